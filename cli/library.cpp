@@ -1,0 +1,183 @@
+#include "library.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace cli {
+namespace {
+
+// Path names go through as the bytes they are: the library hands each unit's low 8 bits to the system.
+std::u16string path_units(std::string_view path) {
+    std::u16string units;
+    for (const char byte : path) {
+        units.push_back(static_cast<unsigned char>(byte));
+    }
+    return units;
+}
+
+constexpr char16_t replacement = u'\uFFFD';
+
+bool is_high_surrogate(char32_t unit) {
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+bool is_low_surrogate(char32_t unit) {
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
+void append_utf8(std::string& text, char32_t point) {
+    const auto put = [&text](char32_t byte) {
+        text.push_back(static_cast<char>(static_cast<unsigned char>(byte)));
+    };
+    if (point < 0x80) {
+        put(point);
+    } else if (point < 0x800) {
+        put(0xC0 | (point >> 6));
+        put(0x80 | (point & 0x3F));
+    } else if (point < 0x10000) {
+        put(0xE0 | (point >> 12));
+        put(0x80 | ((point >> 6) & 0x3F));
+        put(0x80 | (point & 0x3F));
+    } else {
+        put(0xF0 | (point >> 18));
+        put(0x80 | ((point >> 12) & 0x3F));
+        put(0x80 | ((point >> 6) & 0x3F));
+        put(0x80 | (point & 0x3F));
+    }
+}
+
+// Control characters of a broken data file must not reach a terminal.
+std::string to_utf8(std::u16string_view units) {
+    std::string text;
+    for (std::size_t at = 0; at < units.size(); ++at) {
+        char32_t point = units[at];
+        if (is_high_surrogate(point) && at + 1 < units.size() && is_low_surrogate(units[at + 1])) {
+            point = 0x10000 + ((point - 0xD800) << 10) + (units[++at] - 0xDC00U);
+        } else if (is_high_surrogate(point) || is_low_surrogate(point)) {
+            point = replacement;
+        }
+        const bool control = point < 0x20 || (point >= 0x7F && point < 0xA0);
+        append_utf8(text, control ? replacement : point);
+    }
+    return text;
+}
+
+// Bytes that are not UTF-8 come out as replacement characters.
+std::u16string from_utf8(std::string_view text) {
+    std::u16string units;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[at]);
+        const std::size_t length = lead < 0x80   ? 1
+                                   : lead < 0xC2 ? 0
+                                   : lead < 0xE0 ? 2
+                                   : lead < 0xF0 ? 3
+                                   : lead < 0xF5 ? 4
+                                                 : 0;
+        char32_t point = length == 1 ? lead : lead & (0x7FU >> length);
+        bool valid = length > 0 && at + length <= text.size();
+        for (std::size_t next = 1; valid && next < length; ++next) {
+            const auto byte = static_cast<unsigned char>(text[at + next]);
+            valid = (byte & 0xC0) == 0x80;
+            point = (point << 6) | (byte & 0x3FU);
+        }
+        if (!valid) {
+            units.push_back(replacement);
+            ++at;
+            continue;
+        }
+        at += length;
+        if (point < 0x10000) {
+            units.push_back(static_cast<char16_t>(point));
+        } else {
+            units.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
+            units.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
+        }
+    }
+    return units;
+}
+
+template <std::size_t N>
+using Buffer = std::array<lagestatus_char, N>;
+using NameBuffer = Buffer<LAGESTATUS_NAME_SIZE>;
+using EllipsoidBuffer = Buffer<LAGESTATUS_ELLIPSOID_SIZE>;
+using KindBuffer = Buffer<LAGESTATUS_KIND_SIZE>;
+
+}  // namespace
+
+Definition read_definition(const std::string& directory) {
+    int scrambled = 0;
+    int count = 0;
+    std::array<int, LAGESTATUS_MAX_ENTRIES> codes = {};
+    std::array<int, LAGESTATUS_MAX_ENTRIES> auxiliary = {};
+    std::vector<lagestatus_char> names(std::size_t{LAGESTATUS_MAX_ENTRIES} * LAGESTATUS_NAME_SIZE);
+    Definition definition;
+    definition.status = translD_dll(path_units(directory).c_str(), &scrambled, &count, codes.data(),
+                                    auxiliary.data(), names.data());
+    definition.scrambled = scrambled == 1;
+    if (definition.status != 0) {
+        return definition;
+    }
+    for (std::size_t number = 0; number < static_cast<std::size_t>(std::max(count, 0)); ++number) {
+        const lagestatus_char* const name = names.data() + number * LAGESTATUS_NAME_SIZE;
+        definition.entries.push_back({codes[number], auxiliary[number], name});
+    }
+    return definition;
+}
+
+System read_system(const std::string& directory, const Definition& definition, const Entry& entry,
+                   Role role) {
+    const std::u16string path = path_units(directory);
+    NameBuffer name = {};
+    EllipsoidBuffer ellipsoid = {};
+    KindBuffer kind = {};
+    System system;
+    const int scrambled = definition.scrambled ? 1 : 0;
+    if (role == Role::source) {
+        system.status = transla_dll(path.c_str(), entry.fileBase.c_str(), scrambled, entry.code, name.data(),
+                                    ellipsoid.data(), kind.data(), system.parameters.data());
+    } else {
+        system.status =
+            translz_dll(path.c_str(), entry.fileBase.c_str(), scrambled, entry.code, name.data(),
+                        ellipsoid.data(), kind.data(), &system.zoneNumber, system.parameters.data());
+    }
+    system.name = to_utf8(name.data());
+    system.ellipsoid = to_utf8(ellipsoid.data());
+    system.kind = to_utf8(kind.data());
+    return system;
+}
+
+std::string parameter_file_name(const Definition& definition, const Entry& entry) {
+    return to_utf8(entry.fileBase) + (definition.scrambled ? ".tr0" : ".tra");
+}
+
+Transformed transform(const std::string& directory, int from, int to, char heightMode,
+                      const std::array<double, 3>& point) {
+    NameBuffer sourceName = {};
+    NameBuffer targetName = {};
+    EllipsoidBuffer sourceEllipsoid = {};
+    EllipsoidBuffer targetEllipsoid = {};
+    KindBuffer sourceKind = {};
+    KindBuffer targetKind = {};
+    std::array<int, 2> auxiliary = {};
+    Transformed transformed;
+    transformed.status =
+        trans_dll(point[0], point[1], point[2], from, to, path_units(directory).c_str(), &heightMode,
+                  transformed.result.data(), sourceName.data(), auxiliary.data(), sourceEllipsoid.data(),
+                  sourceKind.data(), targetName.data(), targetEllipsoid.data(), targetKind.data());
+    return transformed;
+}
+
+std::string message(int status, std::string_view fileName) {
+    const std::u16string name = from_utf8(fileName);
+    // The longest message without a file name takes 129 units, what stands around a file name 91.
+    std::vector<lagestatus_char> buffer(std::max<std::size_t>(129, 91 + name.size()));
+    transfm_dll(status, name.c_str(), buffer.data());
+    return to_utf8(buffer.data());
+}
+
+std::size_t display_width(std::string_view utf8) {
+    return static_cast<std::size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
+}
+
+}  // namespace cli

@@ -1,0 +1,69 @@
+// What the library knows of one coordinate system.
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+#include "base/fixed_text.h"
+
+namespace lagestatus {
+
+inline constexpr std::size_t parameterCount = 36;
+using ParameterArray = std::array<double, parameterCount>;
+
+// The slots of the parameter array. Their order is part of the exported interface. Note that translations and
+// reduction points stand with Y before X. Lengths in metres, rotations in radians, scales as plain factors.
+namespace slot {
+
+enum Slot : std::size_t {
+    latitudeOfOrigin = 0,   // radians
+    longitudeOfOrigin = 1,  // degrees; above 360 a coded zone layout
+    secondShiftY = 2,
+    secondShiftX = 3,
+    decadicComplement = 4,  // 0: not used
+    meridianScale = 5,
+    shiftY = 6,
+    shiftX = 7,
+    planeRotation = 8,  // dimensionless coefficient
+    additiveY = 9,
+    additiveX = 10,
+    originY = 11,
+    originX = 12,
+    planeScale = 13,  // exactly 1.0: not used
+    // Datum transformation, main set: into the Bessel datum for a source, out of it for a target.
+    translationY = 14,
+    translationX = 15,
+    translationZ = 16,
+    rotationX = 17,
+    rotationY = 18,
+    rotationZ = 19,
+    datumScale = 20,
+    reductionY = 21,
+    reductionX = 22,
+    reductionZ = 23,
+    semiMajorAxis = 24,
+    semiMinorAxis = 25,
+    // Datum transformation, intermediate set.
+    intermediateTranslationY = 26,
+    intermediateTranslationX = 27,
+    intermediateTranslationZ = 28,
+    intermediateRotationX = 29,
+    intermediateRotationY = 30,
+    intermediateRotationZ = 31,
+    intermediateScale = 32,
+    intermediateReductionY = 33,
+    intermediateReductionX = 34,
+    intermediateReductionZ = 35,
+};
+
+}  // namespace slot
+
+struct SystemDescription {
+    FixedText<100> systemName;
+    FixedText<11> ellipsoidName;
+    FixedText<14> projectionKind;
+    ParameterArray parameters = {};
+    int zoneNumber = 0;  // written behind the longitude of origin; 0 when none is given
+};
+
+}  // namespace lagestatus

@@ -1,0 +1,178 @@
+#include "datafiles/data_file.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+
+#include "base/fixed_text.h"
+
+namespace lagestatus {
+namespace {
+
+// A directory of 299 characters, a separator, a base name of 99 and its extension fit with room to spare.
+constexpr std::size_t pathSize = 512;
+using Path = FixedText<pathSize>;
+
+constexpr int noFile = -1;
+constexpr char backslash = '\\';
+
+// O_NONBLOCK: a FIFO of the file's name must not block the caller before it is found to be one.
+constexpr int openFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+struct Opened {
+    int handle;
+    bool missing;  // there is no file of that name: the next way of looking for it may be tried
+};
+
+int open_retrying(int directoryHandle, const char* path, int flags) noexcept {
+    int handle = noFile;
+    do {
+        handle = ::openat(directoryHandle, path, flags);
+    } while (handle == noFile && errno == EINTR);
+    return handle;
+}
+
+Opened open_regular(int directoryHandle, const char* path) noexcept {
+    const int handle = open_retrying(directoryHandle, path, openFlags);
+    if (handle == noFile) {
+        return {noFile, errno == ENOENT || errno == ENOTDIR};
+    }
+    struct stat about = {};
+    if (::fstat(handle, &about) != 0 || !S_ISREG(about.st_mode)) {
+        ::close(handle);
+        return {noFile, false};
+    }
+    return {handle, false};
+}
+
+char lower_ascii(char character) noexcept {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+bool equal_without_case(std::string_view left, std::string_view right) noexcept {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return lower_ascii(a) == lower_ascii(b); });
+}
+
+// The first name in byte order of the directory that equals wanted but for the case of letters; empty if
+// none. Reads the entries by the system call, since the C library's directory streams take heap memory.
+FixedText<NAME_MAX + 1> find_without_case(int directoryHandle, std::string_view wanted) noexcept {
+    FixedText<NAME_MAX + 1> found;
+    alignas(dirent64) std::array<char, 4096> entries;
+    for (;;) {
+        const ssize_t bytes = ::getdents64(directoryHandle, entries.data(), entries.size());
+        if (bytes <= 0) {
+            return found;
+        }
+        for (std::size_t at = 0; at < static_cast<std::size_t>(bytes);) {
+            const auto* entry =
+                reinterpret_cast<const dirent64*>(entries.data() + at);  // NOLINT(*-reinterpret-cast)
+            const std::string_view name(static_cast<const char*>(entry->d_name));
+            if (equal_without_case(name, wanted) && (found.view().empty() || name < found.view())) {
+                found.assign(name);
+            }
+            at += entry->d_reclen;
+        }
+    }
+}
+
+Opened open_without_case(std::string_view path) noexcept {
+    const std::size_t slash = path.rfind('/');
+    const bool hasDirectory = slash != std::string_view::npos;
+    const Path directory(hasDirectory ? path.substr(0, slash + 1) : std::string_view("."));
+    const int directoryHandle =
+        open_retrying(AT_FDCWD, directory.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
+    if (directoryHandle == noFile) {
+        return {noFile, true};
+    }
+    const auto name = find_without_case(directoryHandle, hasDirectory ? path.substr(slash + 1) : path);
+    const Opened opened =
+        name.view().empty() ? Opened{noFile, true} : open_regular(directoryHandle, name.c_str());
+    ::close(directoryHandle);
+    return opened;
+}
+
+int open_path(std::string_view joined) noexcept {
+    Path path;
+    for (const char character : joined) {
+        path.append(character == backslash ? '/' : character);
+    }
+    Opened opened = open_regular(AT_FDCWD, path.c_str());
+    if (opened.missing) {
+        opened = open_without_case(path.view());
+    }
+    // An archive unpacked without knowing the separator leaves files whose names hold the backslash itself.
+    if (opened.missing && joined.find(backslash) != std::string_view::npos) {
+        opened = open_regular(AT_FDCWD, Path(joined).c_str());
+    }
+    return opened.handle;
+}
+
+}  // namespace
+
+DataFile::~DataFile() {
+    if (handle != notOpen) {
+        ::close(handle);
+    }
+}
+
+bool DataFile::open(std::string_view directory, std::string_view name) noexcept {
+    Path joined;
+    if (directory != ".") {
+        joined.append(directory);
+        joined.append(backslash);
+    }
+    if (name.size() > Path::maxLength - joined.view().size()) {
+        return false;
+    }
+    joined.append(name);
+    handle = open_path(joined.view());
+    return handle != notOpen;
+}
+
+bool DataFile::refill() noexcept {
+    position = 0;
+    end = 0;
+    while (end == 0 && handle != notOpen && !readFailed) {
+        char* const start = buffer.data();
+        std::size_t filled = 0;
+        if (carriageReturnHeld) {
+            start[filled++] = '\r';
+        }
+        ssize_t bytes = 0;
+        do {
+            bytes = ::read(handle, start + filled, blockSize);
+        } while (bytes < 0 && errno == EINTR);
+        if (bytes < 0) {
+            readFailed = true;
+            return false;
+        }
+        if (bytes == 0) {
+            end = filled;  // a carriage return at the very end is an ordinary byte
+            carriageReturnHeld = false;
+            return end > 0;
+        }
+        filled += static_cast<std::size_t>(bytes);
+        carriageReturnHeld = start[filled - 1] == '\r';
+        if (carriageReturnHeld) {
+            --filled;
+        }
+        // Fold the pairs in place; blocks without a carriage return pass untouched.
+        char* write = std::find(start, start + filled, '\r');
+        for (const char* read = write; read != start + filled; ++read) {
+            if (*read != '\r' || read + 1 == start + filled || read[1] != '\n') {
+                *write++ = *read;
+            }
+        }
+        end = static_cast<std::size_t>(write - start);
+    }
+    return end > 0;
+}
+
+}  // namespace lagestatus

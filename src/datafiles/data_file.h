@@ -1,0 +1,56 @@
+// DataFile: one data file, opened by directory and name, read by blocks, closed by itself.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace lagestatus {
+
+// A byte source over one regular file. Every pair of carriage return and line feed is delivered as one line
+// feed, on every platform; a lone carriage return and byte 26 are ordinary bytes. No heap memory, no locale;
+// the handle is not inherited by child processes. This file alone knows how a platform opens a joined path.
+class DataFile {
+  public:
+    DataFile() noexcept = default;
+    ~DataFile();
+    DataFile(const DataFile&) = delete;
+    DataFile& operator=(const DataFile&) = delete;
+
+    // Opens name in directory: name alone when directory is exactly ".", else directory, backslash, name (so
+    // the empty directory gives "\name"). Off Windows the backslash is a separator; when there is no such
+    // file, the last component is looked up without regard to the case of ASCII letters (of several, the
+    // first in byte order), and last the joined path is tried with its backslashes as ordinary characters.
+    // Returns false when nothing could be opened or what was found is no regular file; never blocks.
+    // To be called once.
+    [[nodiscard]] bool open(std::string_view directory, std::string_view name) noexcept;
+
+    // The bytes that lie ready, at least one; reads the next block when none is left. Empty at the end of the
+    // file and after a read error. Valid until the next call.
+    [[nodiscard]] std::string_view available() noexcept {
+        return position < end || refill() ? std::string_view(buffer.data() + position, end - position)
+                                          : std::string_view();
+    }
+
+    // Takes count bytes of those that available() gave.
+    void consume(std::size_t count) noexcept { position += count; }
+
+    // True after a read error; the end of the file is none.
+    [[nodiscard]] bool failed() const noexcept { return readFailed; }
+
+  private:
+    // Fills the buffer with the next block, line ends folded; false at the end of the file or on an error.
+    bool refill() noexcept;
+
+    static constexpr std::size_t blockSize = 8192;
+    static constexpr int notOpen = -1;
+
+    int handle = notOpen;
+    bool readFailed = false;
+    bool carriageReturnHeld = false;  // last byte of the previous block, its fate still open
+    std::size_t position = 0;
+    std::size_t end = 0;
+    std::array<char, blockSize + 1> buffer;  // one byte more for a carriage return held back
+};
+
+}  // namespace lagestatus

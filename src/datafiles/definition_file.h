@@ -1,0 +1,42 @@
+// The definition file DEFAULT: which systems a data directory offers.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "base/fixed_text.h"
+#include "base/status.h"
+
+namespace lagestatus {
+
+inline constexpr std::size_t maxEntries = 100;
+inline constexpr int noAuxiliary = -1;
+
+// Longest directory and base name, with the terminator.
+inline constexpr std::size_t nameSize = 100;
+
+struct DefinitionEntry {
+    int code = 0;
+    int auxiliary = noAuxiliary;  // not interpreted; -1 when the entry gives none
+    FixedText<nameSize> name;     // base name of the parameter file
+};
+
+struct DefinitionRecord {
+    bool scrambled = false;    // the parameter files are scrambled and end in .tr0
+    int count = 0;             // entries the head line announces, at most 100; 0 or less: none
+    std::size_t complete = 0;  // entries read in full; equal to count on success when count is above 0
+    std::array<DefinitionEntry, maxEntries> entries;
+};
+
+// Reads the definition file.
+//
+// Given:    directory  at most 99 characters; "." for the current directory
+// Returned: status     0; 1 not opened; 2 head line without an integer; 100 the file ends early; 600 + i and
+// 700 + i
+//                      code or name of entry i (from 0) unreadable
+//           record     on failure: what was read before it; after 1 and 2 only the starting values
+[[nodiscard]] Status read_definition_file(std::string_view directory, DefinitionRecord& record) noexcept;
+
+}  // namespace lagestatus

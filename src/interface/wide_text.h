@@ -1,0 +1,47 @@
+// Texts across the boundary: 16-bit code units outside, 8-bit characters inside.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "base/fixed_text.h"
+
+namespace lagestatus {
+
+// Narrows a wide text: each code unit gives its low 8 bits, the first whose low 8 bits are zero ends it
+// (U+0100 does too). At most N - 1 units are taken, what follows is not read.
+template <std::size_t N>
+[[nodiscard]] FixedText<N> narrow_cut(const char16_t* wide) noexcept {
+    FixedText<N> text;
+    for (std::size_t unit = 0; unit + 1 < N; ++unit) {
+        const char character = static_cast<char>(static_cast<unsigned char>(wide[unit]));
+        if (character == '\0') {
+            break;
+        }
+        text.append(character);
+    }
+    return text;
+}
+
+// The same for a name that must not be cut into another one: nothing when it has N characters or more.
+template <std::size_t N>
+[[nodiscard]] std::optional<FixedText<N>> narrow_whole(const char16_t* wide) noexcept {
+    const auto text = narrow_cut<N + 1>(wide);
+    if (text.view().size() >= N) {
+        return std::nullopt;
+    }
+    return FixedText<N>(text.view());
+}
+
+// Widens a text into the caller's buffer of N units or more, with its terminator: each character becomes the
+// code unit of the same value.
+template <std::size_t N>
+void widen(const FixedText<N>& text, char16_t* wide) noexcept {
+    for (const char character : text.view()) {
+        *wide++ = static_cast<unsigned char>(character);
+    }
+    *wide = u'\0';
+}
+
+}  // namespace lagestatus
