@@ -1,0 +1,67 @@
+#!/bin/sh
+# Runs the command as a user would. Usage: command_test.sh PROGRAM SAMPLE_DIRECTORY
+# Each case: exit status, a pattern for standard output, one for standard error (- for an empty stream), arguments.
+program=$1
+sample=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cases=0
+failures=0
+
+check() {
+    status=$1 out=$2 err=$3
+    shift 3
+    "$program" "$@" <"$work/in" >"$work/out" 2>"$work/err"
+    got=$?
+    cases=$((cases + 1))
+    for stream in out err; do
+        eval pattern=\$$stream
+        if [ "$pattern" = - ]; then
+            [ ! -s "$work/$stream" ]
+        else
+            grep -qE -e "$pattern" "$work/$stream"
+        fi || {
+            echo "$*: std$stream is not \"$pattern\":"
+            cat "$work/$stream"
+            failures=$((failures + 1))
+        }
+    done
+    [ $got = "$status" ] || {
+        echo "$*: exit status $got, not $status"
+        failures=$((failures + 1))
+    }
+}
+
+printf '52.5 13.4 100 Ort Ä\r\n' >"$work/in"
+check 0 '^ *52\.498595283 +13\.398258473 +140\.9639  Ort Ä$' - transform --from 101 --to 201 -d "$sample"
+check 0 '^ *3785273\.0479 +901657\.6570 +5036881\.2583' - transform --from 101 --to 202 -d "$sample"
+check 0 '^ *52\.498595283 .*Ä$' - transform --from 101 --to 201 -d "$sample" "$work/in"
+check 1 '\*  Ort Ä  1110 Datei .*hoehe\.ini existiert nicht' '1 of 1 points failed: 1 with status 1110' \
+    transform --from 101 --to 201 -d "$sample" --height n
+check 2 - 'status 93: Zur Lagestatusangabe existiert keine' transform --from 101 --to 999 -d "$sample"
+check 2 - 'Definitionsdatei /none/DEFAULT kann zum Lesen nicht geöffnet' transform --from 1 --to 2 -d /none
+check 2 - 'cannot be opened' transform --from 101 --to 201 -d "$sample" "$work/none"
+check 2 - '--height' transform --from 101 --to 201 --height x -d "$sample"
+printf '52.5 13.4\n' >"$work/in"
+check 0 '^ *52\.498595[0-9]+ +13\.398258[0-9]+$' - transform --from 101 --to 201 -d "$sample"
+check 1 '\* +52\.5 13\.4  the third' 'input:1: the third coordinate is missing' transform --from 102 --to 201 -d "$sample"
+printf '# note\n\n52.5 13,4 1\n52.5\n1 2 3x\n1 inf\n52 13 7 good' >"$work/in"
+check 1 '  good$' '4 of 5 points failed: 4 unreadable' transform --from 101 --to 201 -d "$sample"
+check 1 '^# note$' 'input:3: not a number: "13,4"' transform --from 101 --to 201 -d "$sample"
+check 0 '^301 +4178 .*Krassowski +System 42/83 geographisch$' - list -d "$sample"
+check 0 '^20 +scale of the datum transformation +1\.00000101 +1\.0000067' - show 301 -d "$sample"
+check 2 - 'status 93' show 999 -d "$sample"
+check 0 'Maßstabs zum Zwischensystem$' - message 86 x.tra
+check 1 - 'no message' message 3
+check 2 - . message twelve
+check 2 - . unknown
+check 0 '^lagestatus [0-9]' - --version
+check 0 'transform' - --help
+cp "$sample"/* "$work/"
+printf '101\n' >"$work/etrs89-geographisch.tra"
+check 1 '^201 .*status 9: Lesefehler in etrs89-geographisch.tra beim Vergleichen' - list -d "$work"
+check 2 - 'etrs89-geographisch.tra beim Vergleichen' transform --from 101 --to 201 -d "$work"
+[ -e /dev/full ] && "$program" message 93 >/dev/full 2>/dev/null && failures=$((failures + 1))
+
+echo "$((cases - failures)) passed, $failures failed"
+[ $failures = 0 ]

@@ -1,0 +1,236 @@
+// Lines, fields, and the two kinds of files: one good file each, and one row a defect.
+#include <sys/stat.h>
+
+#include <bit>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+
+#include "datafiles/field_scanner.h"
+#include "datafiles/line_reader.h"
+#include "support.h"
+
+using namespace testing_support;
+using lagestatus::FieldScanner;
+using lagestatus::LineKind;
+
+namespace {
+
+std::string repeated(std::size_t count, char character) {
+    return std::string(count, character);
+}
+
+TEST(FieldScanner, ReadsNumbersWithoutALocale) {
+    for (const Row& row : rows("fields.tsv")) {
+        SCOPED_TRACE(row[1]);
+        FieldScanner scanner(row[1]);
+        double value = untouched;
+        int integer = static_cast<int>(untouched);
+        const bool read = row[0] == "number" ? scanner.number(value) : scanner.integer(integer);
+        value = row[0] == "number" ? value : integer;
+        const double expected = row[2] == "none" ? untouched : std::strtod(row[2].c_str(), nullptr);
+        EXPECT_EQ(read, row[2] != "none");
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << value;
+        if (read) {
+            EXPECT_EQ(scanner.word(), row[3]);
+        }
+    }
+}
+
+TEST(FieldScanner, TakesQuotedTexts) {
+    using lagestatus::quoted_text;
+    EXPECT_EQ(quoted_text("word \"Gauss-Krueger\" word \"x\"", 300), "Gauss-Krueger");
+    EXPECT_EQ(quoted_text("\" a b \"", 100), " a b ");
+    EXPECT_EQ(quoted_text('"' + repeated(99, 'n') + '"', 100).size(), 99U);
+    const std::string tooLong = '"' + repeated(100, 'n') + '"';
+    for (const std::string_view bad :
+         {std::string_view(tooLong), {"\"\""}, {"\"open\n"}, {"no quotes"}, {""}}) {
+        EXPECT_EQ(quoted_text(bad, 100), "") << bad;
+    }
+}
+
+// Lines as "kind:text", joined by "|"; comments have no text. The key is a number, or "read" for the file's
+// own.
+std::string all_lines(const std::string& content, const std::string& keyText) {
+    const DataDirectory directory;
+    directory.write("file", content);
+    lagestatus::DataFile file;
+    EXPECT_TRUE(file.open(directory.path(), "file"));
+    int key = std::atoi(keyText.c_str());
+    if (keyText == "read" && lagestatus::read_key(file, key) != 0) {
+        return "no key";
+    }
+    std::string lines;
+    lagestatus::Line line;
+    for (LineKind kind; (kind = lagestatus::read_line(file, line, key)) != LineKind::end;) {
+        lines += lines.empty() ? "" : "|";
+        lines += kind == LineKind::comment ? "#" : (kind == LineKind::quoted ? "q:" : "o:");
+        lines += kind == LineKind::comment ? "" : std::string(line.text());
+    }
+    return lines;
+}
+
+TEST(LineReader, KnowsTheKindsOfLines) {
+    for (const Row& row : rows("lines.tsv")) {
+        EXPECT_EQ(all_lines(row[1], row[0]), row[2]) << row[0] << ' ' << row[1].substr(0, 40);
+    }
+}
+
+TEST(LineReader, FoldsLineEndsAcrossBlocks) {
+    // Wherever a block ends, pairs are folded and lone carriage returns stay.
+    for (std::size_t length = 8180; length < 8200; ++length) {
+        std::string content;
+        std::string expected;
+        while (content.size() + 100 < length) {
+            content += repeated(97, 'x') + "\r\n";
+            expected += "o:" + repeated(97, 'x') + "\n|";
+        }
+        const std::string last = repeated(length - content.size(), 'y');
+        EXPECT_EQ(all_lines(content + last + "\r\r\nz\r", "0"), expected + "o:" + last + "\r\n|o:z\r")
+            << length;
+    }
+}
+
+TEST(LineReader, UndoesTheScrambling) {
+    const std::string full = repeated(999, 'x');
+    const std::string plain = "o:17 code\n|#|q:\"M\xFCggelberg\"\n|o:" + full;
+    const std::vector<std::string> lines = {"17 code", "# \"comment\" 1 2 3 4 5 6 7 8 9",
+                                            "\"M\xFCggelberg\""};
+    for (const int key : {1, 2, 7, 30, 100}) {
+        auto withLast = lines;
+        withLast.push_back(full);
+        EXPECT_EQ(all_lines(scrambled(withLast, key), "read"), plain) << key;
+    }
+}
+
+TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
+    const DataDirectory directory;
+    directory.write("other\\DEFAULT", "0\n");
+    directory.write("dEFAULt", "-1\n");
+    directory.write("default", "-2\n");
+    std::filesystem::create_directory(directory.path() + "/Sub");
+    directory.write("Sub/DEFAULT", "-3\n");
+    std::filesystem::create_directories(directory.path() + "/isdir/DEFAULT");
+    std::filesystem::create_directory(directory.path() + "/fifo");
+    ASSERT_EQ(mkfifo((directory.path() + "/fifo/DEFAULT").c_str(), 0600), 0);
+    const std::size_t handles = open_file_handles();
+
+    EXPECT_EQ(list(directory.path()).count, -1) << "the first in byte order, whatever its case";
+    EXPECT_EQ(list(directory.path() + "\\Sub").count, -3);
+    EXPECT_EQ(list(directory.path() + "\\Sub\\").count, -3) << "a doubled separator";
+    EXPECT_EQ(list(directory.path() + "/other").status, 0) << "the backslash as a character";
+    EXPECT_EQ(list(directory.path() + "/isdir").status, 1);
+    EXPECT_EQ(list(directory.path() + "/fifo").status, 1) << "and it does not block";
+    EXPECT_EQ(list(directory.path() + "/none").status, 1);
+    EXPECT_EQ(list("").status, 1) << "a file in the root directory";
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(directory.path() + "/Sub");
+    EXPECT_EQ(list(".").count, -3);
+    std::filesystem::current_path(before);
+    EXPECT_EQ(open_file_handles(), handles);
+}
+
+TEST(DefinitionFile, ReportsEveryDefectAndKeepsWhatItRead) {
+    const DataDirectory directory;
+    const std::size_t handles = open_file_handles();
+    for (const Row& row : rows("definition_files.tsv")) {
+        SCOPED_TRACE(row[0].substr(0, 30));
+        directory.write("DEFAULT", row[0]);
+        const std::size_t complete = std::stoul(row[4]);
+        const Listing listing = list(directory.path(), complete);
+        EXPECT_EQ(listing.status, std::stoi(row[1]));
+        EXPECT_EQ(listing.count, std::stoi(row[2]));
+        EXPECT_EQ(listing.flag, std::stoi(row[3]));
+        if (complete == 2) {
+            EXPECT_EQ(
+                (std::array{listing.codes[0], listing.codes[1], listing.auxiliary[0], listing.auxiliary[1]}),
+                (std::array{17, 18, 4, -5}));
+            EXPECT_EQ(listing.names, (std::vector<std::string>{"a", "b c"}));
+        }
+    }
+    // A hundred entries are read and no more.
+    std::string hundred = "250\n";
+    for (int entry = 0; entry < 100; ++entry) {
+        hundred += std::to_string(entry) + "\n\"n" + std::to_string(entry) + "\"\n";
+    }
+    directory.write("DEFAULT", hundred + "x\n");
+    const Listing full = list(directory.path(), 100);
+    EXPECT_EQ(full.status, 0);
+    EXPECT_EQ(full.count, 100);
+    EXPECT_EQ(full.codes[99], 99);
+    EXPECT_EQ(full.auxiliary[99], -1);
+    EXPECT_EQ(full.names[99], "n99");
+    directory.write("DEFAULT", hundred.substr(0, hundred.size() - 2));
+    EXPECT_EQ(list(directory.path(), 99).status, 799);
+    EXPECT_EQ(open_file_handles(), handles);
+}
+
+TEST(ParameterFile, FillsEverySlot) {
+    // Slots of the fields 5 to 40, in the order of the file.
+    constexpr std::array<std::size_t, 36> slots = {0,  1,  9,  10, 4,  5,  6,  7,  8,  2,  3,  11,
+                                                   12, 13, 24, 25, 15, 14, 16, 17, 18, 19, 20, 22,
+                                                   21, 23, 27, 26, 28, 29, 30, 31, 32, 34, 33, 35};
+    constexpr double degree = 0.0174532925199433;
+    const DataDirectory directory;
+    directory.write("plain.tra", join(good_lines()));
+    directory.write("dos.tra", "# x\r\n\r\n" + join(good_lines(), "\r\n# between\r\n"));
+    directory.write("plain.tr0", scrambled(good_lines(), 11));
+    for (const auto& [base, flag] : {std::pair("plain", 0), std::pair("dos", 7), std::pair("plain", 1)}) {
+        for (const Role role : {Role::source, Role::target}) {
+            const Description system = describe(role, directory.path(), base, flag, 17);
+            ASSERT_EQ(system.status, 0);
+            for (std::size_t field = 5; field <= 40; ++field) {
+                double expected = static_cast<double>(field) + 0.5;
+                if (field > 20) {
+                    expected = role == Role::source ? expected - 0.25 : -expected - 0.25;
+                }
+                expected = field == 5 ? 49.5 * degree : field == 6 ? 9.0 : expected;
+                expected = field == 19 ? 6378137.0 : field == 20 ? 6356752.3 : expected;
+                EXPECT_EQ(system.parameters[slots[field - 5]], expected) << field;
+            }
+        }
+    }
+}
+
+TEST(ParameterFile, ReportsEveryDefectAndKeepsWhatItRead) {
+    const DataDirectory directory;
+    const std::size_t handles = open_file_handles();
+    for (const Row& row : rows("parameter_files.tsv")) {
+        auto lines = good_lines();
+        lines[std::stoul(row[0]) - 1] = row[1];
+        directory.write("f.tra", join(lines));
+        directory.write("f.tr0", scrambled(lines, 5));
+        for (const int flag : {0, 1}) {
+            for (const Role role : {Role::source, Role::target}) {
+                SCOPED_TRACE(row[0] + ": " + row[1].substr(0, 30) +
+                             (role == Role::source ? " source" : " target"));
+                const Description system = describe(role, directory.path(), "f", flag, 17);
+                EXPECT_EQ(system.status, std::stoi(row[role == Role::source ? 2 : 3]));
+                EXPECT_EQ((Row{system.name, system.ellipsoid, system.kind}), (Row{row[4], row[5], row[6]}));
+                EXPECT_EQ(system.zone, role == Role::target ? std::stoi(row[7]) : -9);
+                EXPECT_EQ(system.parameters == std::vector<double>(36, untouched), system.status != 0);
+            }
+        }
+    }
+    EXPECT_EQ(open_file_handles(), handles);
+}
+
+TEST(ParameterFile, EndsEarly) {
+    const DataDirectory directory;
+    for (std::size_t length = 0; length < 40; ++length) {
+        auto lines = good_lines();
+        lines.resize(length);
+        directory.write("short.tra", join(lines));
+        EXPECT_EQ(describe(Role::target, directory.path(), "short", 0, 17).status, 100) << length;
+    }
+    using Key = std::pair<const char*, int>;
+    for (const auto& [content, status] :
+         {Key{"", 100}, {"7", 100}, {"7\n", 100}, {"-1\n17\n", 100}, {"3  \"Z\n", 8}}) {
+        directory.write("key.tr0", content);
+        EXPECT_EQ(describe(Role::source, directory.path(), "key", 1, 17).status, status) << content;
+    }
+    EXPECT_EQ(describe(Role::target, directory.path(), "none", 0, 17).status, 7);
+    EXPECT_EQ(describe(Role::target, directory.path(), "none", 1, 17).zone, 0);
+}
+
+}  // namespace

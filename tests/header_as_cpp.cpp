@@ -1,0 +1,3 @@
+#include "lagestatus.h"
+
+static_assert(sizeof(lagestatus_char) == 2);

@@ -1,0 +1,146 @@
+// The boundary, the driver and the messages.
+#include <map>
+
+#include "support.h"
+
+using namespace testing_support;
+
+namespace {
+
+std::string utf8(const std::vector<char16_t>& buffer) {
+    std::string text;
+    for (const char byte : narrow(buffer)) {
+        const auto unit = static_cast<unsigned char>(byte);
+        if (unit < 0x80) {
+            text.push_back(byte);
+        } else {
+            text.push_back(static_cast<char>(0xC0 | (unit >> 6)));
+            text.push_back(static_cast<char>(0x80 | (unit & 0x3F)));
+        }
+    }
+    return text;
+}
+
+// The promised lengths, so that a sanitizer sees a message that outgrows them.
+std::string message(int code, const std::u16string& name, bool namesFile) {
+    std::vector<char16_t> buffer(namesFile ? 91 + name.size() : 129, u'x');
+    transfm_dll(code, name.c_str(), buffer.data());
+    return utf8(buffer);
+}
+
+TEST(Messages, AreThoseOfTheCatalogue) {
+    std::map<int, std::string> catalogue;
+    for (const Row& row : rows("messages.tsv")) {
+        catalogue[std::stoi(row[0])] = row[1];
+    }
+    ASSERT_EQ(catalogue.size(), 342U);
+    for (int code = -1000; code < 3000; ++code) {
+        const auto found = catalogue.find(code);
+        std::string expected = found == catalogue.end() ? "" : found->second;
+        const std::size_t place = expected.find("NAME");
+        const bool namesFile = place != std::string::npos;
+        EXPECT_EQ(message(code, u"NAME", namesFile), expected) << code;
+        EXPECT_EQ(message(code, u"", namesFile), namesFile ? expected.erase(place, 4) : expected) << code;
+    }
+    for (const int extreme : {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+        EXPECT_EQ(message(extreme, u"NAME", false), "");
+    }
+    // A file name is inserted whole and unit by unit.
+    std::vector<char16_t> buffer(91 + 700, u'x');
+    const std::u16string longName(700, u'\u0416');
+    transfm_dll(39, longName.c_str(), buffer.data());
+    EXPECT_EQ(std::u16string(buffer.data()),
+              u"Lesefehler in " + longName + u" beim Lesen der Translation in X zum Zwischensystem");
+}
+
+TEST(Boundary, PassesDoublesUnchanged) {
+    std::array<double, 4> out = {};
+    EXPECT_EQ(test_dll(1.0, 2.0, 3.0, out.data()), 0);
+    EXPECT_EQ(out, (std::array<double, 4>{1.0, 2.0, 3.0, 3.0}));
+}
+
+TEST(Boundary, NarrowsNamesAndNeverCutsThem) {
+    const DataDirectory directory;
+    const std::string root = directory.path() + "/";
+    const std::string longest(99 - root.size(), 'd');
+    for (const std::string& name : {longest, longest + "d", std::string("A\xE4")}) {
+        std::filesystem::create_directory(root + name);
+        directory.write(name + "/DEFAULT", "-1\n");
+    }
+    EXPECT_EQ(list(root + longest).status, 0);
+    EXPECT_EQ(list(root + longest + "d").status, 1) << "not the directory of the first 99 characters";
+    EXPECT_EQ(describe(Role::source, root + longest + "d", "f", 0, 17).status, 7);
+    const Transformed refused = transform(root + longest + "d", 1, 2, {1, 2, 3});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.auxiliary, (std::array<int, 2>{-1, -1}));
+
+    directory.write(std::string(99, 'b') + ".tra", join(good_lines()));
+    EXPECT_EQ(describe(Role::source, directory.path(), std::string(99, 'b'), 0, 17).status, 0);
+    EXPECT_EQ(describe(Role::target, directory.path(), std::string(100, 'b'), 0, 17).status, 7);
+
+    // U+0141 enters as 0x41, U+0100 ends the text.
+    const std::u16string odd = wide(root) + u"\u0141\u00E4\u0100never";
+    int flag = 0;
+    int count = 0;
+    std::array<int, 100> numbers = {};
+    std::vector<char16_t> names(100 * 100);
+    EXPECT_EQ(translD_dll(odd.c_str(), &flag, &count, numbers.data(), numbers.data(), names.data()), 0);
+    EXPECT_EQ(count, -1);
+}
+
+TEST(Driver, StopsAtTheFirstFailureAndTellsHowFarItCame) {
+    const DataDirectory directory;
+    // Makes a file for a system with one line of its own; each has its own code in it.
+    const auto system = [&directory](const std::string& code, std::size_t field, const std::string& line,
+                                     std::size_t length = 40) {
+        auto lines = good_lines();
+        lines[0] = code;
+        lines[field - 1] = line;
+        lines.resize(length);
+        directory.write(code + ".tra", join(lines));
+    };
+    system("17", 3, "\"GRS80\"");
+    system("20", 3, "\"Bessel\"", 30);
+    system("21", 4, "\"Soldner\"");
+    system("22", 3, "\"Bessel\"");
+    system("23", 4, "\"Geozentrisch.\"");
+    directory.write("DEFAULT",
+                    "8 0\n17 1\n\"17\"\n18 2\n\"17\"\n19\n\"missing\"\n20 4\n\"20\"\n17 5\n"
+                    "\"missing\"\n21 6\n\"21\"\n22 7\n\"22\"\n23\n\"23\"\n");
+    const std::size_t handles = open_file_handles();
+    for (const Row& row : rows("driver.tsv")) {
+        SCOPED_TRACE(row[0] + " to " + row[1]);
+        const Transformed done =
+            transform(directory.path(), std::stoi(row[0]), std::stoi(row[1]), {51, 10, 1});
+        EXPECT_EQ(done.status, std::stoi(row[2]));
+        EXPECT_EQ(done.auxiliary, (std::array{std::stoi(row[3]), std::stoi(row[4])}));
+        EXPECT_EQ((Row{done.sourceName, done.targetName}), (Row{row[5], row[6]}));
+        EXPECT_EQ(done.result == (std::array<double, 4>{}), done.status != 0);
+    }
+    EXPECT_EQ(open_file_handles(), handles);
+
+    // Everything read, then the road itself fails: the result is empty and the names are there.
+    const Transformed infinite =
+        transform(directory.path(), 17, 17, {51, std::numeric_limits<double>::infinity(), 1});
+    EXPECT_EQ(infinite.status, 90);
+    EXPECT_EQ(infinite.result, (std::array<double, 4>{}));
+    EXPECT_EQ(infinite.targetEllipsoid, "GRS80");
+
+    // Height modes: a normal height is refused, but not for a geocentric source, which has none.
+    const std::array<double, 4> onlyHeight = {0, 0, 0, 1};
+    for (const char letter : {'N', 'n'}) {
+        const Transformed normal = transform(directory.path(), 17, 17, {51, 10, 1}, letter);
+        EXPECT_EQ(normal.status, 1110);
+        EXPECT_EQ(normal.result, onlyHeight);
+    }
+    for (const char letter : {'E', 'e', 'x', '\0'}) {
+        EXPECT_EQ(transform(directory.path(), 17, 17, {51, 10, 1}, letter).status, 0);
+    }
+    const Transformed fromGeocentric = transform(directory.path(), 23, 17, {4e6, 1e6, 5e6}, 'N');
+    EXPECT_EQ(fromGeocentric.status, 0);
+    EXPECT_EQ(fromGeocentric.sourceKind, "Geozentrisch.");
+    directory.write("DEFAULT", "-3 0\n");
+    EXPECT_EQ(transform(directory.path(), 17, 17, {51, 10, 1}).status, 93);
+}
+
+}  // namespace

@@ -1,0 +1,170 @@
+#include "support.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace testing_support {
+
+namespace {
+
+std::string unescaped(const std::string& text) {
+    std::string plain;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '\\' && text[++at] == 'x') {
+            plain += static_cast<char>(std::stoi(text.substr(at + 1, 2), nullptr, 16));
+            at += 2;
+        } else if (text[at - (at > 0)] == '\\') {
+            plain += std::string_view("\n\r\t\v\f")[std::string_view("nrtvf").find(text[at])];
+        } else if (text[at] == '{') {
+            plain.append(std::stoul(text.substr(at + 3)), text[at + 1]);
+            at = text.find('}', at);
+        } else {
+            plain += text[at];
+        }
+    }
+    return plain;
+}
+
+}  // namespace
+
+std::vector<Row> rows(const std::string& file) {
+    std::vector<Row> all;
+    std::ifstream lines(TEST_DATA_DIR "/" + file);
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with('#')) {
+            Row& row = all.emplace_back();
+            for (std::size_t tab = 0, from = 0; tab != std::string::npos; from = tab + 1) {
+                tab = line.find('\t', from);
+                row.push_back(unescaped(line.substr(from, tab - from)));
+            }
+        }
+    }
+    EXPECT_FALSE(all.empty()) << file;
+    return all;
+}
+
+std::u16string wide(std::string_view text) {
+    std::u16string units;
+    for (const char byte : text) {
+        units.push_back(static_cast<unsigned char>(byte));
+    }
+    return units;
+}
+
+std::string narrow(const std::vector<char16_t>& buffer) {
+    std::string text;
+    for (const char16_t unit : buffer) {
+        if (unit == u'\0') {
+            return text;
+        }
+        EXPECT_LT(unit, 256);
+        text.push_back(static_cast<char>(static_cast<unsigned char>(unit)));
+    }
+    ADD_FAILURE() << "no terminator behind \"" << text << '"';
+    return text;
+}
+
+std::size_t open_file_handles() {
+    const std::filesystem::directory_iterator handles("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(handles), end(handles)));
+}
+
+DataDirectory::DataDirectory() {
+    std::string name = (std::filesystem::temp_directory_path() / "lagestatus-XXXXXX").string();
+    root = mkdtemp(name.data());
+}
+
+DataDirectory::~DataDirectory() {
+    std::filesystem::remove_all(root);
+}
+
+void DataDirectory::write(const std::string& name, std::string_view content) const {
+    std::ofstream(root / name, std::ios::binary) << content;
+}
+
+std::vector<std::string> good_lines() {
+    std::vector<std::string> lines = {"17 code",          "\"System\"", "\"GRS80\"",
+                                      "\"Geographisch\"", "49.5 deg",   "9 3"};
+    for (int field = 7; field <= 18; ++field) {
+        lines.push_back(std::to_string(field) + ".5 m");
+    }
+    lines.insert(lines.end(), {"6378137.0", "6356752.3"});
+    for (int field = 21; field <= 40; ++field) {
+        lines.push_back(std::to_string(field) + ".25 -" + std::to_string(field) + ".75");
+    }
+    return lines;
+}
+
+std::string join(const std::vector<std::string>& lines, std::string_view lineEnd) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line;
+        text += lineEnd;
+    }
+    return text;
+}
+
+std::string scrambled(const std::vector<std::string>& lines, int key) {
+    std::string text = std::to_string(key) + "\n";
+    for (const std::string& line : lines) {
+        for (int position = 0; const char character : line) {
+            text.push_back(static_cast<char>(character + key - 1 - position++ % key));
+        }
+        text.push_back('\n');
+    }
+    return text;
+}
+
+Listing list(const std::string& directory, std::size_t names) {
+    Listing listing;
+    std::vector<char16_t> slots(100 * 100, u'x');
+    listing.status = translD_dll(wide(directory).c_str(), &listing.flag, &listing.count, listing.codes.data(),
+                                 listing.auxiliary.data(), slots.data());
+    for (std::size_t slot = 0; slot < names; ++slot) {
+        const auto begin = slots.begin() + static_cast<std::ptrdiff_t>(slot * 100);
+        listing.names.push_back(narrow({begin, begin + 100}));
+    }
+    return listing;
+}
+
+Description describe(Role role, const std::string& directory, const std::string& base, int scrambledFlag,
+                     int code) {
+    std::vector<char16_t> name(100, u'x');
+    std::vector<char16_t> ellipsoid(11, u'x');
+    std::vector<char16_t> kind(14, u'x');
+    Description system;
+    system.parameters.assign(36, untouched);
+    const std::u16string dir = wide(directory);
+    const std::u16string file = wide(base);
+    system.status = role == Role::source
+                        ? transla_dll(dir.c_str(), file.c_str(), scrambledFlag, code, name.data(),
+                                      ellipsoid.data(), kind.data(), system.parameters.data())
+                        : translz_dll(dir.c_str(), file.c_str(), scrambledFlag, code, name.data(),
+                                      ellipsoid.data(), kind.data(), &system.zone, system.parameters.data());
+    system.name = narrow(name);
+    system.ellipsoid = narrow(ellipsoid);
+    system.kind = narrow(kind);
+    return system;
+}
+
+Transformed transform(const std::string& directory, int from, int to, const std::array<double, 3>& point,
+                      char heightMode) {
+    std::array<std::vector<char16_t>, 6> texts;
+    for (std::size_t text = 0; text < texts.size(); ++text) {
+        texts[text].assign(std::array{100, 11, 14}[text % 3], u'x');
+    }
+    Transformed done;
+    done.result.fill(untouched);
+    done.status = trans_dll(point[0], point[1], point[2], from, to, wide(directory).c_str(), &heightMode,
+                            done.result.data(), texts[0].data(), done.auxiliary.data(), texts[1].data(),
+                            texts[2].data(), texts[3].data(), texts[4].data(), texts[5].data());
+    done.sourceName = narrow(texts[0]);
+    done.sourceKind = narrow(texts[2]);
+    done.targetName = narrow(texts[3]);
+    done.targetEllipsoid = narrow(texts[4]);
+    return done;
+}
+
+}  // namespace testing_support

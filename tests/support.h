@@ -1,0 +1,78 @@
+// What the tests share: rows of cases, data directories made for one case, and the exported functions with
+// plain types. Every output buffer has exactly the length that the interface asks for, so that a sanitizer
+// sees an overrun.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "interface/lagestatus.h"
+
+namespace testing_support {
+
+// The rows of a file in tests/data, one case a line, fields separated by tabs. Behind a backslash stand n r t
+// v f or x and two hexadecimal digits; {c*100} is the character c a hundred times. Lines that begin with #
+// are comments.
+using Row = std::vector<std::string>;
+std::vector<Row> rows(const std::string& file);
+
+// Texts as they cross the boundary; narrow() fails the test when the terminator is missing.
+std::u16string wide(std::string_view text);
+std::string narrow(const std::vector<char16_t>& buffer);
+
+std::size_t open_file_handles();
+
+// A directory that exists as long as the object.
+class DataDirectory {
+  public:
+    DataDirectory();
+    ~DataDirectory();
+    DataDirectory(const DataDirectory&) = delete;
+    DataDirectory& operator=(const DataDirectory&) = delete;
+
+    void write(const std::string& name, std::string_view content) const;
+    [[nodiscard]] std::string path() const { return root.string(); }
+
+  private:
+    std::filesystem::path root;
+};
+
+// A complete parameter file for the code 17, one element a data line.
+std::vector<std::string> good_lines();
+std::string join(const std::vector<std::string>& lines, std::string_view lineEnd = "\n");
+// The same lines as a scrambled file with its key.
+std::string scrambled(const std::vector<std::string>& lines, int key);
+
+constexpr double untouched = -4711.0;  // what arrays hold before a call
+
+struct Listing {
+    int status = 0, flag = -9, count = -9;
+    std::array<int, 100> codes = {}, auxiliary = {};
+    std::vector<std::string> names;  // of the first entries, as many as asked for
+};
+Listing list(const std::string& directory, std::size_t names = 0);
+
+enum class Role { source, target };
+struct Description {
+    int status = 0, zone = -9;  // a zone number is read for targets only
+    std::string name, ellipsoid, kind;
+    std::vector<double> parameters;
+};
+Description describe(Role role, const std::string& directory, const std::string& base, int scrambledFlag,
+                     int code);
+
+struct Transformed {
+    int status = 0;
+    std::array<double, 4> result = {};
+    std::array<int, 2> auxiliary = {};
+    std::string sourceName, sourceKind, targetName, targetEllipsoid;
+};
+Transformed transform(const std::string& directory, int from, int to, const std::array<double, 3>& point,
+                      char heightMode = 'e');
+
+}  // namespace testing_support
