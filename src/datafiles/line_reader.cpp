@@ -59,7 +59,7 @@ bool skip_blanks(DataFile& file, int key, char& first) noexcept {
     for (;;) {
         const std::string_view bytes = file.available();
         for (std::size_t at = 0; at < bytes.size(); ++at) {
-            first = bytes[at] == '\n' ? '\n' : Descrambler(key).next(bytes[at]);
+            first = key == 0 || bytes[at] == '\n' ? bytes[at] : Descrambler(key).next(bytes[at]);
             if (!is_blank(first)) {
                 file.consume(at);
                 return true;
