@@ -17,7 +17,7 @@ class FixedText {
     static constexpr std::size_t maxLength = N - 1;
 
     // Only the terminator is written: records hold a hundred of these, and most stay empty.
-    FixedText() noexcept { chars[0] = '\0'; }  // NOLINT(cppcoreguidelines-pro-type-member-init)
+    FixedText() noexcept { chars[0] = '\0'; }
     explicit FixedText(std::string_view text) noexcept : FixedText() { append(text); }
 
     void clear() noexcept { resize(0); }
