@@ -1,5 +1,4 @@
-// What one call costs, beside what its files cost by bare system calls and what one stateless call of PROJ
-// costs.
+// What one call costs, beside what its files cost by bare system calls and what one stateless call of PROJ costs.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <proj.h>
@@ -66,8 +65,7 @@ bool read_bare(const Files& files) {
     return true;
 }
 
-// The call and the bare reading in turn, so that both meet the same machine; "ratio" is what the promise is
-// about.
+// The call and the bare reading in turn, so that both meet the same machine; "ratio" is what the promise is about.
 void trans_dll_beside_bare_files(benchmark::State& state, const Files& files) {
     using Clock = std::chrono::steady_clock;
     std::array<double, LAGESTATUS_RESULT_SIZE> result = {};

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -16,11 +17,18 @@ namespace cli {
 namespace {
 
 constexpr int codeNotListed = 93;
-constexpr int normalHeightsFrom =
-    1000;  // statuses from here on concern the height alone, unless the point is lost
+constexpr int heightModelFrom = 1000;  // statuses from here on concern the height model
 
-bool begins_with(const System& system, std::string_view kind) {
-    return system.kind.starts_with(kind);
+// A file that is only used as a source may leave out the second column.
+constexpr int firstOfSecondColumn = 70;
+constexpr int lastOfSecondColumn = 89;
+
+bool is_source_only(const System& source, const System& target) {
+    return source.status == 0 && target.status >= firstOfSecondColumn && target.status <= lastOfSecondColumn;
+}
+
+void put(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 std::string in_directory(const std::string& directory, const std::string& name) {
@@ -51,7 +59,7 @@ void print_table(const std::vector<std::vector<std::string>>& rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
             line += column + 1 < row.size() ? padded(row[column], widths[column] + 2) : row[column];
         }
-        std::printf("%s\n", line.c_str());
+        put(line + '\n');
     }
 }
 
@@ -151,16 +159,16 @@ constexpr int degreeDecimals = 9;
 // Writes the rows of one run and counts what became of them.
 class PointWriter {
   public:
-    PointWriter(const TransformOptions& transformOptions, const System& sourceSystem,
-                const System& targetSystem)
+    PointWriter(const TransformOptions& transformOptions, const System& source, const System& target)
         : options(transformOptions),
-          sourceGeocentric(begins_with(sourceSystem, "Geozentrisch")),
-          targetGeocentric(begins_with(targetSystem, "Geozentrisch")),
-          targetGeographic(begins_with(targetSystem, "Geographisch")) {}
+          sourceGeocentric(source.kind.starts_with("Geozentrisch")),
+          targetGeocentric(target.kind.starts_with("Geozentrisch")),
+          targetGeographic(target.kind.starts_with("Geographisch")) {}
 
     void line(std::string_view text, const std::string& place) {
         if (is_passed_through(text)) {
-            std::printf("%.*s\n", static_cast<int>(text.size()), text.data());
+            put(text);
+            put("\n");
             return;
         }
         ++rows;
@@ -181,9 +189,11 @@ class PointWriter {
             return;
         }
         ++statuses[transformed.status];
-        const char* const file = transformed.status >= normalHeightsFrom ? "hoehe.ini" : "";
-        failed_row(read.rest, std::to_string(transformed.status) + " " +
-                                  message(transformed.status, in_directory(options.directory, file)));
+        // All other files were read before the first row; should one have changed since, the directory is named.
+        const std::string file = transformed.status >= heightModelFrom
+                                     ? in_directory(options.directory, "hoehe.ini")
+                                     : options.directory;
+        failed_row(read.rest, std::to_string(transformed.status) + " " + message(transformed.status, file));
     }
 
     // The exit status; the summary goes to stderr when anything failed.
@@ -209,13 +219,17 @@ class PointWriter {
         if (read.hasHeight || targetGeocentric) {
             std::printf(" %14.*f", metreDecimals, result[2]);
         }
-        std::printf("%s%.*s\n", read.rest.empty() ? "" : "  ", static_cast<int>(read.rest.size()),
-                    read.rest.data());
+        put(read.rest.empty() ? "" : "  ");
+        put(read.rest);
+        put("\n");
     }
 
     static void failed_row(std::string_view rest, const std::string& reason) {
-        std::printf("%14s %14s %14s  %.*s%s%s\n", "*", "*", "*", static_cast<int>(rest.size()), rest.data(),
-                    rest.empty() ? "" : "  ", reason.c_str());
+        std::printf("%14s %14s %14s  ", "*", "*", "*");
+        put(rest);
+        put(rest.empty() ? "" : "  ");
+        put(reason);
+        put("\n");
     }
 
     const TransformOptions& options;
@@ -255,7 +269,8 @@ int list_systems(const std::string& directory) {
         const System source = read_system(directory, definition, entry, Role::source);
         const System target = read_system(directory, definition, entry, Role::target);
         const std::string file = parameter_file_name(definition, entry);
-        const int status = source.status != 0 ? source.status : target.status;
+        const bool sourceOnly = is_source_only(source, target);
+        const int status = source.status != 0 || sourceOnly ? source.status : target.status;
         std::vector<std::string> row = {std::to_string(entry.code),
                                         entry.auxiliary == -1 ? "-" : std::to_string(entry.auxiliary), file};
         if (status != 0) {
@@ -264,7 +279,8 @@ int list_systems(const std::string& directory) {
             row.push_back("*");
             row.push_back("status " + std::to_string(status) + ": " + message(status, file));
         } else {
-            row.insert(row.end(), {source.kind, source.ellipsoid, source.name});
+            row.insert(row.end(),
+                       {source.kind, source.ellipsoid, source.name + (sourceOnly ? " (source only)" : "")});
         }
         rows.push_back(row);
     }
@@ -275,30 +291,35 @@ int list_systems(const std::string& directory) {
 int show_system(const std::string& directory, int code) {
     Definition definition;
     System source;
-    System target;
     if (!open_directory(directory, definition) ||
-        !open_system(directory, definition, code, Role::source, source) ||
-        !open_system(directory, definition, code, Role::target, target)) {
+        !open_system(directory, definition, code, Role::source, source)) {
         return nothingDone;
     }
     const Entry& entry = *find_entry(definition, code);
+    const System target = read_system(directory, definition, entry, Role::target);
+    const std::string file = parameter_file_name(definition, entry);
+    const bool sourceOnly = is_source_only(source, target);
+    if (target.status != 0 && !sourceOnly) {
+        complain(target.status, in_directory(directory, file));
+        return nothingDone;
+    }
     const auto stages = [](const System& system) {
         return has_two_stages(system) ? "two stages" : "one stage";
     };
     print_table({{"code", std::to_string(code)},
                  {"auxiliary", entry.auxiliary == -1 ? "-" : std::to_string(entry.auxiliary)},
-                 {"file", parameter_file_name(definition, entry)},
+                 {"file", file},
                  {"name", source.name},
                  {"kind", source.kind},
                  {"ellipsoid", source.ellipsoid},
                  {"zone number", std::to_string(target.zoneNumber)},
                  {"into Bessel", stages(source)},
-                 {"out of Bessel", stages(target)}});
-    std::printf("\n");
+                 {"out of Bessel", sourceOnly ? "not given: a source only" : stages(target)}});
+    put("\n");
     std::vector<std::vector<std::string>> rows = {{"slot", "value", "into Bessel", "out of Bessel", "unit"}};
     for (std::size_t slot = 0; slot < slots.size(); ++slot) {
         rows.push_back({std::to_string(slot), slots[slot].name, number_text(source.parameters[slot]),
-                        number_text(target.parameters[slot]), slots[slot].unit});
+                        sourceOnly ? "-" : number_text(target.parameters[slot]), slots[slot].unit});
     }
     print_table(rows);
     return allGood;
@@ -313,20 +334,29 @@ int transform_points(const TransformOptions& options) {
         !open_system(options.directory, definition, options.to, Role::target, target)) {
         return nothingDone;
     }
+    for (const System* system : {&source, &target}) {
+        if (!system->kind.starts_with("Geo")) {
+            std::fprintf(stderr, "lagestatus: \"%s\": %s systems cannot be transformed by this version\n",
+                         system->name.c_str(), system->kind.c_str());
+            return nothingDone;
+        }
+    }
+    // All files are opened before the first row: a wrong name must not be found out half way.
+    std::vector<std::ifstream> files;
     for (const std::string& name : options.files) {
-        if (!std::ifstream(name)) {
+        files.emplace_back(name);
+        if (!files.back() || std::filesystem::is_directory(name)) {
             std::fprintf(stderr, "lagestatus: %s: cannot be opened\n", name.c_str());
             return nothingDone;
         }
     }
     PointWriter writer(options, source, target);
     bool readable = true;
-    if (options.files.empty()) {
+    if (files.empty()) {
         readable = transform_stream(std::cin, "standard input", writer);
     }
-    for (const std::string& name : options.files) {
-        std::ifstream file(name);
-        readable = transform_stream(file, name, writer) && readable;
+    for (std::size_t number = 0; number < files.size(); ++number) {
+        readable = transform_stream(files[number], options.files[number], writer) && readable;
     }
     const int exitStatus = writer.finish();
     return readable ? exitStatus : std::max(exitStatus, someFailed);
@@ -338,7 +368,7 @@ int show_message(int status, const std::string& fileName) {
         std::fprintf(stderr, "lagestatus: there is no message for status %d\n", status);
         return someFailed;
     }
-    std::printf("%s\n", text.c_str());
+    put(text + '\n');
     return allGood;
 }
 

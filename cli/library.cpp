@@ -62,35 +62,48 @@ std::string to_utf8(std::u16string_view units) {
     return text;
 }
 
+// Takes the first character of a text that is not empty; a byte that begins none gives the replacement character.
+char32_t take_utf8(std::string_view& text) {
+    struct Form {
+        unsigned char mask;
+        unsigned char lead;
+        char32_t smallest;
+    };
+    // By the number of bytes that follow the first.
+    constexpr std::array<Form, 4> forms = {
+        {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}}};
+    const auto first = static_cast<unsigned char>(text.front());
+    for (std::size_t following = 0; following < forms.size() && following < text.size(); ++following) {
+        const Form& form = forms[following];
+        if ((first & form.mask) != form.lead) {
+            continue;
+        }
+        char32_t point = first & static_cast<unsigned char>(~form.mask);
+        bool valid = true;
+        for (const char next : text.substr(1, following)) {
+            valid = valid && (static_cast<unsigned char>(next) & 0xC0U) == 0x80;
+            point = (point << 6U) | (static_cast<unsigned char>(next) & 0x3FU);
+        }
+        const bool surrogate = is_high_surrogate(point) || is_low_surrogate(point);
+        if (valid && point >= form.smallest && point <= 0x10FFFF && !surrogate) {
+            text.remove_prefix(following + 1);
+            return point;
+        }
+    }
+    text.remove_prefix(1);
+    return replacement;
+}
+
 // Bytes that are not UTF-8 come out as replacement characters.
 std::u16string from_utf8(std::string_view text) {
     std::u16string units;
-    for (std::size_t at = 0; at < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[at]);
-        const std::size_t length = lead < 0x80   ? 1
-                                   : lead < 0xC2 ? 0
-                                   : lead < 0xE0 ? 2
-                                   : lead < 0xF0 ? 3
-                                   : lead < 0xF5 ? 4
-                                                 : 0;
-        char32_t point = length == 1 ? lead : lead & (0x7FU >> length);
-        bool valid = length > 0 && at + length <= text.size();
-        for (std::size_t next = 1; valid && next < length; ++next) {
-            const auto byte = static_cast<unsigned char>(text[at + next]);
-            valid = (byte & 0xC0) == 0x80;
-            point = (point << 6) | (byte & 0x3FU);
-        }
-        if (!valid) {
-            units.push_back(replacement);
-            ++at;
-            continue;
-        }
-        at += length;
+    while (!text.empty()) {
+        const char32_t point = take_utf8(text);
         if (point < 0x10000) {
             units.push_back(static_cast<char16_t>(point));
         } else {
-            units.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
-            units.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
+            units.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10U)));
+            units.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FFU)));
         }
     }
     return units;

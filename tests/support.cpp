@@ -153,17 +153,18 @@ Transformed transform(const std::string& directory, int from, int to, const std:
                       char heightMode) {
     std::array<std::vector<char16_t>, 6> texts;
     for (std::size_t text = 0; text < texts.size(); ++text) {
-        texts[text].assign(std::array{100, 11, 14}[text % 3], u'x');
+        texts[text].assign(std::array<std::size_t, 3>{100, 11, 14}[text % 3], u'x');
     }
     Transformed done;
     done.result.fill(untouched);
     done.status = trans_dll(point[0], point[1], point[2], from, to, wide(directory).c_str(), &heightMode,
                             done.result.data(), texts[0].data(), done.auxiliary.data(), texts[1].data(),
                             texts[2].data(), texts[3].data(), texts[4].data(), texts[5].data());
-    done.sourceName = narrow(texts[0]);
-    done.sourceKind = narrow(texts[2]);
-    done.targetName = narrow(texts[3]);
-    done.targetEllipsoid = narrow(texts[4]);
+    std::size_t text = 0;
+    for (std::string* const out : {&done.sourceName, &done.sourceEllipsoid, &done.sourceKind,
+                                   &done.targetName, &done.targetEllipsoid, &done.targetKind}) {
+        *out = narrow(texts[text++]);
+    }
     return done;
 }
 

@@ -70,7 +70,7 @@ struct Transformed {
     int status = 0;
     std::array<double, 4> result = {};
     std::array<int, 2> auxiliary = {};
-    std::string sourceName, sourceKind, targetName, targetEllipsoid;
+    std::string sourceName, sourceEllipsoid, sourceKind, targetName, targetEllipsoid, targetKind;
 };
 Transformed transform(const std::string& directory, int from, int to, const std::array<double, 3>& point,
                       char heightMode = 'e');

@@ -19,6 +19,15 @@ class FixedText {
     // Only the terminator is written: records hold a hundred of these, and most stay empty.
     FixedText() noexcept { chars[0] = '\0'; }
     explicit FixedText(std::string_view text) noexcept : FixedText() { append(text); }
+    ~FixedText() = default;
+    // Only what is set is copied.
+    FixedText(const FixedText& other) noexcept : FixedText(other.view()) {}
+    FixedText& operator=(const FixedText& other) noexcept {
+        if (this != &other) {
+            assign(other.view());
+        }
+        return *this;
+    }
 
     void clear() noexcept { resize(0); }
     void assign(std::string_view text) noexcept {

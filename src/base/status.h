@@ -30,8 +30,7 @@ inline constexpr Status noGeographicCoordinates = 90;
 inline constexpr Status codeNotListed = 93;
 inline constexpr Status heightModelNotOpened = 1110;
 
-// trans_dll empties its result for the statuses 1 to lastWithoutResult; the ones above leave a computed
-// point.
+// trans_dll empties its result for the statuses 1 to lastWithoutResult; after those above it stays as it is.
 inline constexpr Status lastWithoutResult = 999;
 
 }  // namespace status

@@ -60,42 +60,56 @@ bool equal_without_case(std::string_view left, std::string_view right) noexcept 
                       [](char a, char b) { return lower_ascii(a) == lower_ascii(b); });
 }
 
-// The first name in byte order of the directory that equals wanted but for the case of letters; empty if
-// none. Reads the entries by the system call, since the C library's directory streams take heap memory.
-FixedText<NAME_MAX + 1> find_without_case(int directoryHandle, std::string_view wanted) noexcept {
-    FixedText<NAME_MAX + 1> found;
+using FileName = FixedText<NAME_MAX + 1>;
+
+// The next name in byte order, behind after, of those in the directory that equal wanted but for the case of
+// letters; empty if there is none. Reads the entries by the system call, since the C library's directory streams
+// take heap memory.
+FileName next_without_case(int directoryHandle, std::string_view wanted, std::string_view after) noexcept {
+    FileName next;
     alignas(dirent64) std::array<char, 4096> entries;
+    if (::lseek(directoryHandle, 0, SEEK_SET) != 0) {
+        return next;
+    }
     for (;;) {
         const ssize_t bytes = ::getdents64(directoryHandle, entries.data(), entries.size());
         if (bytes <= 0) {
-            return found;
+            return next;
         }
         for (std::size_t at = 0; at < static_cast<std::size_t>(bytes);) {
             const auto* entry =
                 reinterpret_cast<const dirent64*>(entries.data() + at);  // NOLINT(*-reinterpret-cast)
             const std::string_view name(static_cast<const char*>(entry->d_name));
-            if (equal_without_case(name, wanted) && (found.view().empty() || name < found.view())) {
-                found.assign(name);
+            if (equal_without_case(name, wanted) && name > after &&
+                (next.view().empty() || name < next.view())) {
+                next.assign(name);
             }
             at += entry->d_reclen;
         }
     }
 }
 
+// Opens the first regular file of the directory that bears the path's last component in whatever case.
 Opened open_without_case(std::string_view path) noexcept {
     const std::size_t slash = path.rfind('/');
     const bool hasDirectory = slash != std::string_view::npos;
     const Path directory(hasDirectory ? path.substr(0, slash + 1) : std::string_view("."));
+    const std::string_view wanted = hasDirectory ? path.substr(slash + 1) : path;
     const int directoryHandle =
         open_retrying(AT_FDCWD, directory.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
     if (directoryHandle == noFile) {
         return {noFile, true};
     }
-    const auto name = find_without_case(directoryHandle, hasDirectory ? path.substr(slash + 1) : path);
-    const Opened opened =
-        name.view().empty() ? Opened{noFile, true} : open_regular(directoryHandle, name.c_str());
+    int handle = noFile;
+    FileName name;
+    do {
+        name = next_without_case(directoryHandle, wanted, FileName(name).view());
+        if (!name.view().empty()) {
+            handle = open_regular(directoryHandle, name.c_str()).handle;
+        }
+    } while (handle == noFile && !name.view().empty());
     ::close(directoryHandle);
-    return opened;
+    return {handle, handle == noFile};
 }
 
 int open_path(std::string_view joined) noexcept {

@@ -7,9 +7,9 @@
 
 namespace lagestatus {
 
-// A byte source over one regular file. Every pair of carriage return and line feed is delivered as one line
-// feed, on every platform; a lone carriage return and byte 26 are ordinary bytes. No heap memory, no locale;
-// the handle is not inherited by child processes. This file alone knows how a platform opens a joined path.
+// A byte source over one regular file. Every pair of carriage return and line feed is delivered as one line feed,
+// on every platform; a lone carriage return and byte 26 are ordinary bytes. No heap memory, no locale; the handle
+// is not inherited by child processes. This file alone knows how a platform opens a joined path.
 class DataFile {
   public:
     DataFile() noexcept = default;
@@ -17,10 +17,10 @@ class DataFile {
     DataFile(const DataFile&) = delete;
     DataFile& operator=(const DataFile&) = delete;
 
-    // Opens name in directory: name alone when directory is exactly ".", else directory, backslash, name (so
-    // the empty directory gives "\name"). Off Windows the backslash is a separator; when there is no such
-    // file, the last component is looked up without regard to the case of ASCII letters (of several, the
-    // first in byte order), and last the joined path is tried with its backslashes as ordinary characters.
+    // Opens name in directory: name alone when directory is exactly ".", else directory, backslash, name (so the
+    // empty directory gives "\name"). Off Windows the backslash is a separator; when there is no such file, the
+    // last component is looked up without regard to the case of ASCII letters (of several regular files the first
+    // in byte order), and last the joined path is tried with its backslashes as ordinary characters.
     // Returns false when nothing could be opened or what was found is no regular file; never blocks.
     // To be called once.
     [[nodiscard]] bool open(std::string_view directory, std::string_view name) noexcept;

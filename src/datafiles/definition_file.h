@@ -34,8 +34,7 @@ struct DefinitionRecord {
 //
 // Given:    directory  at most 99 characters; "." for the current directory
 // Returned: status     0; 1 not opened; 2 head line without an integer; 100 the file ends early; 600 + i and
-// 700 + i
-//                      code or name of entry i (from 0) unreadable
+//                      700 + i code or name of entry i (from 0) unreadable
 //           record     on failure: what was read before it; after 1 and 2 only the starting values
 [[nodiscard]] Status read_definition_file(std::string_view directory, DefinitionRecord& record) noexcept;
 

@@ -21,8 +21,7 @@ bool is_hexadecimal(std::string_view text) noexcept {
 }
 
 // Tells the two ways apart in which a decimal number can miss the range of double: true when it is too small.
-// Between the two lie some 600 powers of ten, so the decimal place of its first digit other than zero
-// decides.
+// Between the two lie some 600 powers of ten, so the decimal place of its first digit other than zero decides.
 bool is_tiny(std::string_view number) noexcept {
     const std::size_t exponentMark = std::min(number.find_first_of("eE"), number.size());
     const std::string_view mantissa = number.substr(0, exponentMark);
@@ -86,13 +85,6 @@ bool FieldScanner::number(double& value) noexcept {
     value = negative ? -magnitude : magnitude;
     rest.remove_prefix(static_cast<std::size_t>(end - first));
     return true;
-}
-
-std::string_view FieldScanner::word() noexcept {
-    rest = without_blanks_ahead(rest);
-    const std::string_view found(rest.begin(), std::find_if(rest.begin(), rest.end(), is_blank));
-    rest.remove_prefix(found.size());
-    return found;
 }
 
 std::string_view quoted_text(std::string_view line, std::size_t limit) noexcept {

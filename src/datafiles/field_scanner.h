@@ -20,10 +20,9 @@ namespace lagestatus {
            (character >= 'A' && character <= 'F');
 }
 
-// Takes one field after another from a line. Each takes the blanks before it and its own longest valid form;
-// what follows, with or without a blank between, is left to the next one: "17-5" is 17 and then -5, "9e 3" is
-// 9 and then the word "e". When there is no such field, false is returned, the value is unchanged and the
-// scanner's place is undefined.
+// Takes one number after another from a line. Each takes the blanks before it and its own longest valid form; what
+// follows, with or without a blank between, is left to the next one: "17-5" is 17 and then -5. When there is no
+// number, false is returned, the value is unchanged and the scanner's place is undefined.
 class FieldScanner {
   public:
     explicit FieldScanner(std::string_view line) noexcept : rest(line) {}
@@ -35,9 +34,6 @@ class FieldScanner {
     // and hexadecimal forms are none, neither is a number too large for a double; one too small is zero with
     // its sign.
     [[nodiscard]] bool number(double& value) noexcept;
-
-    // The next characters up to a blank; empty when the line holds no more.
-    [[nodiscard]] std::string_view word() noexcept;
 
   private:
     bool sign(bool& negative) noexcept;

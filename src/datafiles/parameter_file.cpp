@@ -36,8 +36,7 @@ struct Field {
 
 constexpr Status secondColumnStatus = 41;  // from the first column's status to the second's
 
-// The format: one data line a field, in this order. Latitudes are degrees in the file and radians in their
-// slot.
+// The format: one data line a field, in this order. Latitudes are degrees in the file and radians in their slot.
 constexpr std::array<Field, 40> fields = {{
     {Scan::code, status::codeUnreadable},
     {Scan::systemName, 10},
@@ -145,7 +144,7 @@ Status read_field(const Field& field, std::string_view line, Column column, int 
     }
     if (field.scan == Scan::longitude) {
         int zone = 0;
-        description.zoneNumber = FieldScanner(scanner.word()).integer(zone) ? zone : 0;
+        description.zoneNumber = scanner.integer(zone) ? zone : 0;
     }
     parameters[field.slot] = field.check == Check::latitude ? value * degree : value;
     return status::ok;

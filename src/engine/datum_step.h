@@ -16,17 +16,15 @@ namespace lagestatus {
 //   intermediate set (Tz, az bz cz, mz, Nz), used when any of its translations and angles differs from 0:
 //     P' = Nz + R(az, bz, cz)^T * (Q - Tz) / mz
 //
-// R(a, b, c) = R3(c) * R2(b) * R1(a), close to the rows (1, c, -b), (-c, 1, a), (b, -a, 1) for small angles:
-// a positive angle turns the coordinate frame, not the point ("coordinate frame rotation", EPSG method 1032).
-// The second stage is the exact inverse of the similarity that the intermediate set describes. The reduction
-// point is taken off before the rotation and not added back: T is the full shift.
+// R(a, b, c) = R3(c) * R2(b) * R1(a), close to the rows (1, c, -b), (-c, 1, a), (b, -a, 1) for small angles: a
+// positive angle turns the coordinate frame, not the point ("coordinate frame rotation", as in EPSG method 1032,
+// which has the small angles). The second stage is the exact inverse of the similarity that the intermediate set
+// describes. The reduction point is taken off before the rotation and not added back: T is the full shift.
 //
-// Given:    parameters  slots 14 to 23 and 26 to 35 are used; angles in radians, exactly as stored (no
-// small-angle
+// Given:    parameters  slots 14 to 23 and 26 to 35 are used; angles in radians, exactly as stored (no small-angle
 //                       approximation); the scales are plain factors
 //           point       metres
-// Returned: the point in the other datum; it cannot fail, an intermediate scale of 0 gives values that are
-// not
+// Returned: the point in the other datum. It cannot fail; an intermediate scale of 0 gives values that are not
 //           finite
 [[nodiscard]] Geocentric datum_step(std::span<const double, parameterCount> parameters,
                                     const Geocentric& point) noexcept;

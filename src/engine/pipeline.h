@@ -42,15 +42,13 @@ struct HeightFlags {
 //           source   parameters read for a source (its datum transformation leads into the Bessel datum)
 //           target   parameters read for a target (out of the Bessel datum)
 //           heights  what the heights are
-// Returned: status   0; 12 a kind of system that is not carried; 90 no finite coordinates; 1110 the point
-// needs the
-//                    height model
+// Returned: status   0; 12 a kind of system that is not carried; 90 no finite coordinates; 1110 the point needs
+//                    the height model
 //           result   after a failure 0.0, 0.0, 0.0 and the height given
 //
 // A system whose ellipsoid name begins with "Bessel" needs no datum step, nor do two systems with the same
-// ellipsoid name. Geographic and geocentric systems are carried, with ellipsoidal heights; the height given
-// comes back as the result's last value. A normal height that would have to be corrected is refused with
-// 1110.
+// ellipsoid name. Geographic and geocentric systems are carried, with ellipsoidal heights; the height given comes
+// back as the result's last value. A normal height that would have to be corrected is refused with 1110.
 [[nodiscard]] Status transform_point(const Point& point, const Side& source, const Side& target,
                                      HeightFlags heights, Result& result) noexcept;
 

@@ -22,10 +22,9 @@ struct SystemPair {
 //
 // Given:    point        in the source system
 //           directory    at most 99 characters
-//           heightMode   'N' or 'n': the height is a normal height (never for a geocentric source); else
-//           ellipsoidal
-// Returned: status       of the first step that fails: those of read_definition_file, 93 for a code that is
-// not
+//           heightMode   'N' or 'n': the height is a normal height (never for a geocentric source); else it is
+//                        ellipsoidal
+// Returned: status       of the first step that fails: those of read_definition_file, 93 for a code that is not
 //                        listed (of two entries the first counts), those of read_parameter_file, those of
 //                        transform_point
 //           result       as transform_point leaves it; 0.0 throughout when it was not reached

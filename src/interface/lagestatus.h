@@ -4,10 +4,9 @@
  * This header is the manual of the library's interface. It reads as C11 and as C++.
  *
  * What the library is
- *   Each coordinate system has an integer code, its Lagestatus. The library knows no system by itself: it
- * reads what it needs, on every call, from the text files of a data directory: DEFAULT, which lists the
- * systems, and one parameter file a system (.tra, or .tr0 with scrambled lines). docs/data-files.md describes
- * the files.
+ *   Each coordinate system has an integer code, its Lagestatus. The library knows no system by itself: on every
+ *   call it reads what it needs from the text files of a data directory: DEFAULT, which lists the systems, and one
+ *   parameter file a system (.tra, or .tr0 with scrambled lines). docs/data-files.md describes the files.
  *
  * Points and units
  *   A point is three doubles, a result four; [0] and [1] depend on the kind of system:
@@ -18,26 +17,27 @@
  *     Gauss-Krueger    northing X, metres       easting Y, metres         height, metres
  *     Soldner          northing X, metres       easting Y, metres         height, metres
  *
- *   result[3] is the normal height where one is computed, else the height given. This version carries
- *   geographic and geocentric systems, with ellipsoidal heights: a Gauss-Krueger or Soldner system as source
- * or target gives status 12, a given normal height that would have to be corrected gives 1110, and result[3]
- * is always the height given. Latitudes run from -90 to 90. A computed longitude lies between -90 and 90
- * degrees; points beyond come back mirrored (180 - longitude).
+ *   result[3] is the normal height where one is computed, else the height given.
+ *   This version carries geographic and geocentric systems, with ellipsoidal heights: a Gauss-Krueger or Soldner
+ *   system as source or target gives status 12, a normal height that would have to be corrected gives 1110, and
+ *   result[3] is always the height given.
+ *   A longitude that is computed lies between -90 and 90 degrees; points beyond come back mirrored (as
+ *   180 - longitude in the east, -180 - longitude in the west).
  *
  * Texts
- *   lagestatus_char is a 16-bit code unit; every text ends with a zero unit. Inside, all text is 8-bit: a
- * unit going in gives its low 8 bits (a unit whose low 8 bits are zero ends the text), a character coming out
- * is the unit of the same value. The texts of data files are ISO 8859-1, so 0xE4 in a file comes out as
- * U+00E4. Path names are handed to the system as these 8-bit characters. A directory or file name takes at
- * most 99 characters (299 for transr_dll); a longer one is never cut into another name but counts as a file
- * that cannot be opened.
- *   "." is the current directory; to any other directory a backslash and the file name are appended. Off
- * Windows the backslash is a separator, and a file is found even when the case of its letters differs.
+ *   lagestatus_char is a 16-bit code unit; every text ends with a zero unit. Inside, all text is 8-bit: a unit
+ *   going in gives its low 8 bits (a unit whose low 8 bits are zero ends the text), a character coming out is the
+ *   unit of the same value. The texts of data files are ISO 8859-1, so 0xE4 in a file comes out as U+00E4. Path
+ *   names are handed to the system as these 8-bit characters.
+ *   A directory or file name takes at most 99 characters (299 for transr_dll); a longer one is never cut into
+ *   another name but counts as a file that cannot be opened.
+ *   "." is the current directory; to any other directory a backslash and the file name are appended. Off Windows
+ *   the backslash is a separator, and a file is found even when the case of its letters differs.
  *
  * Buffers
- *   All buffers are the caller's and must have at least the length given; no pointer may be NULL. Text
- * buffers are always terminated; what stands behind the terminator is not defined. Unless said otherwise,
- * outputs may not overlap inputs or each other.
+ *   All buffers are the caller's and must have at least the length given; no pointer may be NULL. Text buffers
+ *   are always terminated; what stands behind the terminator is not defined. Unless said otherwise, outputs may
+ *   not overlap inputs or each other.
  *
  *     LAGESTATUS_NAME_SIZE        units of a system name, a directory or file name
  *     LAGESTATUS_ELLIPSOID_SIZE   units of an ellipsoid name
@@ -49,24 +49,24 @@
  * Status
  *   0 is success, every positive value a failure; transfm_dll turns it into a German message.
  *
- *     1, 2, 600 to 799       definition file DEFAULT; also 100
- *     7 to 48, 70 to 89      parameter file; also 100
- *     100                    a file ends, or cannot be read, before the line that is due
+ *     1, 2, 600 to 799       definition file DEFAULT
+ *     7 to 48, 70 to 89      parameter file
+ *     100                    one of these ends, or cannot be read, before the line that is due
  *     12                     from the pipeline: a projection kind that is not carried
- *     90                     no finite geographic coordinates (arguments that are not finite, points on the
- *                            earth's axis, parameters that lead nowhere)
+ *     90                     no finite coordinates (arguments that are not finite, points on the earth's axis,
+ *                            parameters that lead nowhere)
  *     93                     a code is not listed in DEFAULT
  *     1000 and above         height model; 1110: it could not be opened
  *
  * Threads
- *   Nothing survives a call and nothing is shared between calls: no state, no cache, no heap memory, no
- * locale. Any number of threads may call at once, as long as they do not share output buffers.
+ *   Nothing survives a call and nothing is shared between calls: no state, no cache, no heap memory, no locale.
+ *   Any number of threads may call at once, as long as they do not share output buffers.
  *
  * Not promised
- *   The parameters passed to transr_dll are used unchanged and unchecked. A data file that is being written
- * while a call reads it gives a status or the result of what was read. The same inputs give the same bits on
- * the same machine with the same C library; the functions sin, cos, atan, asin of another one may differ in
- * the last bit.
+ *   The parameters passed to transr_dll are used unchanged and unchecked. A data file that is being written while
+ *   a call reads it gives a status or the result of what was read.
+ *   The same inputs give the same bits on the same machine with the same C library; the functions sin, cos, asin
+ *   and atan of another one may differ in the last bit.
  */
 #ifndef LAGESTATUS_H
 #define LAGESTATUS_H
@@ -96,25 +96,31 @@ typedef char16_t lagestatus_char;
  * Checks that the library is bound and that doubles and pointers cross the boundary intact.
  *
  * Given:    a, b, c
- * Returned: out   4 doubles: a, b, c, c
- *           0, always
+ * Returned: out      4 doubles: a, b, c, c
+ *           status   0, always
  */
 LAGESTATUS_API int test_dll(double a, double b, double c, double* out);
 
 /*
  * Transforms one point between two systems of a data directory.
  *
- * Given:    coord1, coord2, height   the point in the source system
- *           sourceCode, targetCode   codes listed in DEFAULT; of two entries with one code the first counts
- *           dataDir                  data directory
- *           heightMode               one character: 'N' or 'n', the height is a normal height; any other, it
- * is ellipsoidal. A geocentric source has no height, the letter is then ignored Returned: result 4 doubles;
- * all 0.0 after the statuses 1 to 999; after 1110 0.0, 0.0, 0.0 and the height given sourceName, targetName,
- * sourceEllipsoid, targetEllipsoid, sourceKind, targetKind as far as they were read, empty before that
- *           auxiliary                2 ints: the auxiliary numbers of both entries in DEFAULT; -1 where there
- * is none or the entry was not reached status                   0; of DEFAULT 1, 2, 100, 600 to 799; 93; of
- * the source's file 7 to 48, 100; of the target's 7 to 28, 70 to 89, 100; then 12, 90, 1110 The files are
- * read in the order DEFAULT, source, target; the first failure ends the call.
+ * Given:    coord1, coord2, height
+ *                        the point in the source system
+ *           sourceCode, targetCode
+ *                        codes listed in DEFAULT; of two entries with one code the first counts
+ *           dataDir      data directory
+ *           heightMode   one character: 'N' or 'n', the height is a normal height; any other, it is ellipsoidal.
+ *                        A geocentric source has no height: the letter is then ignored
+ * Returned: result       4 doubles; all 0.0 after the statuses 1 to 999; after 1110 0.0, 0.0, 0.0 and the height
+ *                        given
+ *           sourceName, targetName, sourceEllipsoid, targetEllipsoid, sourceKind, targetKind
+ *                        as far as they were read, empty before that
+ *           auxiliary    2 ints: the auxiliary numbers of both entries in DEFAULT; -1 where there is none or the
+ *                        entry was not reached
+ *           status       0; of DEFAULT 1, 2, 100, 600 to 799; 93; of the source's file 7 to 48, 100; of the
+ *                        target's 7 to 28, 70 to 89, 100; then 12, 90, 1110
+ *
+ * The files are read in the order DEFAULT, source, target; the first failure ends the call.
  */
 LAGESTATUS_API int trans_dll(double coord1, double coord2, double height, int sourceCode, int targetCode,
                              const lagestatus_char* dataDir, const char* heightMode, double* result,
@@ -125,44 +131,49 @@ LAGESTATUS_API int trans_dll(double coord1, double coord2, double height, int so
 /*
  * Describes a system as the source of a transformation.
  *
- * Given:    dataDir
- *           fileBase        base name of the parameter file as translD_dll lists it, without extension
- *           scrambled       1: fileBase.tr0 with scrambled lines; any other value: fileBase.tra
- *           code            the code that the file must declare
+ * Given:    dataDir      data directory
+ *           fileBase     base name of the parameter file as translD_dll lists it, without extension
+ *           scrambled    1: fileBase.tr0 with scrambled lines; any other value: fileBase.tra
+ *           code         the code that the file must declare
  * Returned: systemName, ellipsoidName, projectionKind
- *                           as far as they were read, empty before that. Note their order
- *           parameters      36 doubles, written on success only (see the table below)
- *           status          0; 7 not opened; 100 too short; 8 to 48 a field unreadable or out of range (9:
- * the file declares another code)
+ *                        as far as they were read, empty before that. Note their order
+ *           parameters   36 doubles, written on success only
+ *           status       0; 7 not opened; 100 too short; 8 to 48 a field unreadable or out of range (9: the file
+ *                        declares another code)
  *
- * The parameter array; lengths in metres. A caller may keep it and pass it to transr_dll later.
+ * The parameter array, which a caller may keep and pass to transr_dll later; lengths in metres:
  *
- *     0          latitude of origin, radians
- *     1          longitude of origin, degrees; above 360 a coded zone layout
- *     2, 3       second shift in Y, in X
- *     4          decadic complement (0: not used)
- *     5          scale of the meridian, plain factor
- *     6, 7       shift in Y, in X
- *     8          rotation of the plane system, dimensionless coefficient
- *     9, 10      additive constant in Y, in X
- *     11, 12     origin coordinate in Y, in X
- *     13         scale of the plane system, plain factor (exactly 1.0: not used)
- *     14, 15, 16 translation in Y, X, Z (mind the order) } datum transformation: as read by transla_dll from
- * the 17, 18, 19 rotation about X, Y, Z, radians         } system into the Bessel datum, as read by
- * translz_dll 20         scale, plain factor                     } from the Bessel datum into the system; a
- * positive angle 21, 22, 23 reduction point in Y, X, Z              } turns the coordinate frame 24, 25
- * semi-major and semi-minor axis of the ellipsoid 26 to 35   the same as 14 to 23 for the intermediate system
+ *     0            latitude of origin, radians
+ *     1            longitude of origin, degrees; above 360 a coded zone layout
+ *     2, 3         second shift in Y, in X
+ *     4            decadic complement (0: not used)
+ *     5            scale of the meridian, a plain factor
+ *     6, 7         shift in Y, in X
+ *     8            rotation of the plane system, a dimensionless coefficient
+ *     9, 10        additive constant in Y, in X
+ *     11, 12       origin coordinate in Y, in X
+ *     13           scale of the plane system, a plain factor (exactly 1.0: not used)
+ *     14, 15, 16   translation in Y, X, Z (mind the order)
+ *     17, 18, 19   rotation about X, Y, Z, radians; a positive angle turns the coordinate frame
+ *     20           scale of the datum transformation, a plain factor
+ *     21, 22, 23   reduction point in Y, X, Z (mind the order)
+ *     24, 25       semi-major and semi-minor axis of the ellipsoid
+ *     26 to 35     the same as 14 to 23 for the intermediate system
+ *
+ * Slots 14 to 23 and 26 to 35 lead from the system into the Bessel datum when read by transla_dll, and from the
+ * Bessel datum into the system when read by translz_dll. All others are the same.
  */
 LAGESTATUS_API int transla_dll(const lagestatus_char* dataDir, const lagestatus_char* fileBase, int scrambled,
                                int code, lagestatus_char* systemName, lagestatus_char* ellipsoidName,
                                lagestatus_char* projectionKind, double* parameters);
 
 /*
- * Describes a system as the target of a transformation: as transla_dll, with the other direction of the datum
- * transformation.
+ * Describes a system as the target of a transformation: as transla_dll, with the datum transformation out of the
+ * Bessel datum.
  *
- * Returned: zoneNumber      the number written behind the longitude of origin; 0 when there is none or it was
- * not reached status          0; 7, 100, 8 to 28 as for transla_dll; 70 to 89 for the datum transformation
+ * Returned: zoneNumber   the number written behind the longitude of origin; 0 when there is none or it was not
+ *                        reached
+ *           status       0; 7, 100, 8 to 28 as for transla_dll; 70 to 89 for the datum transformation
  */
 LAGESTATUS_API int translz_dll(const lagestatus_char* dataDir, const lagestatus_char* fileBase, int scrambled,
                                int code, lagestatus_char* systemName, lagestatus_char* ellipsoidName,
@@ -171,39 +182,41 @@ LAGESTATUS_API int translz_dll(const lagestatus_char* dataDir, const lagestatus_
 /*
  * Lists the systems of a data directory.
  *
- * Given:    dataDir
+ * Given:    dataDir      data directory
  * Returned: scrambled    1: the parameter files are scrambled (.tr0); else 0
  *           count        number of entries that DEFAULT announces, at most 100; 0 or less: none
- *           codes        100 ints, code of each entry
- *           auxiliary    100 ints, auxiliary number of each entry, -1 where it gives none
- *           fileNames    100 slots of 100 units, base name of each entry's parameter file
+ *           codes        100 ints: code of each entry
+ *           auxiliary    100 ints: auxiliary number of each entry, -1 where it gives none
+ *           fileNames    100 slots of 100 units: base name of each entry's parameter file
  *           status       0; 1 DEFAULT cannot be opened; 2 its head line holds no number; 100 it ends early;
  *                        600 + i, 700 + i: code or file name of entry i (from 0) unreadable
+ *
  * After a failure at entry i the entries 0 to i - 1 are complete; after 1 and 2 count and scrambled are 0.
  */
 LAGESTATUS_API int translD_dll(const lagestatus_char* dataDir, int* scrambled, int* count, int* codes,
                                int* auxiliary, lagestatus_char* fileNames);
 
 /*
- * Transforms one point between two systems that the caller holds the descriptions of. Reads no parameter
- * file.
+ * Transforms one point between two systems that the caller holds the descriptions of. Reads no parameter file.
  *
- * Given:    point              3 doubles, in the source system
+ * Given:    point        3 doubles, in the source system
  *           sourceKind, targetKind
- *                              begin with Geographisch, Geozentrisch, Gauss-Krueger or Soldner; 14 units are
- * read sourceEllipsoid, targetEllipsoid 11 units are read. A name that begins with "Bessel" marks a system in
- * the Bessel datum, which needs no datum transformation; neither do two systems with equal names
- *           sourceParameters   36 doubles as from transla_dll
- *           targetParameters   36 doubles as from translz_dll
- *           zoneNumber         of the target, as from translz_dll
- *           sourceHeightFlag   -1: point[2] is a normal height; any other value: ellipsoidal
- *           targetHeightFlag   -1: a normal height is wanted in result[3]; to be set for targets that are not
- *                              geocentric
- *           dataDir            where the height model lies; at most 299 characters
- * Returned: result             4 doubles; may be the same memory as point. After a failure 0.0, 0.0, 0.0 and
- *                              point[2]
- *           status             0; 12 a kind that is not carried; 90 no finite coordinates; 1110 height model
- * needed
+ *                        begin with Geographisch, Geozentrisch, Gauss-Krueger or Soldner; 14 units are read
+ *           sourceEllipsoid, targetEllipsoid
+ *                        11 units are read. A name that begins with "Bessel" marks a system in the Bessel datum,
+ *                        which needs no datum transformation; neither do two systems with equal names
+ *           sourceParameters
+ *                        36 doubles as from transla_dll
+ *           targetParameters
+ *                        36 doubles as from translz_dll
+ *           zoneNumber   of the target, as from translz_dll
+ *           sourceHeightFlag
+ *                        -1: point[2] is a normal height; any other value: ellipsoidal
+ *           targetHeightFlag
+ *                        -1: a normal height is wanted in result[3]; to be set for targets that are not geocentric
+ *           dataDir      where the height model lies; at most 299 characters
+ * Returned: result       4 doubles; may be the same memory as point. After a failure 0.0, 0.0, 0.0 and point[2]
+ *           status       0; 12 a kind that is not carried; 90 no finite coordinates; 1110 height model needed
  */
 LAGESTATUS_API int transr_dll(const double* point, const lagestatus_char* sourceKind,
                               const lagestatus_char* targetKind, double* result,
@@ -215,12 +228,12 @@ LAGESTATUS_API int transr_dll(const double* point, const lagestatus_char* source
 /*
  * Writes the German message for a status code.
  *
- * Given:    code       any status
- *           fileName   the file that the failure concerns, as it is to be shown: DEFAULT for 1, 2, 600 to
- * 799; the parameter file for 7 to 48 and 70 to 89; the file that ended for 100; hoehe.ini from 1000.
- *                      Inserted unchanged; not read for messages that name no file
- * Returned: buffer     129 units for messages without a file name, 91 plus the length of fileName for those
- * with one; the empty text for a code without a message
+ * Given:    code         any status
+ *           fileName     the file that the failure concerns, as it is to be shown: DEFAULT for 1, 2, 600 to 799;
+ *                        the parameter file for 7 to 48 and 70 to 89; the file that ended for 100; hoehe.ini from
+ *                        1000. Inserted unchanged; not read for messages that name no file
+ * Returned: buffer       129 units for messages without a file name, 91 plus the length of fileName for those
+ *                        with one; the empty text for a code without a message
  */
 LAGESTATUS_API void transfm_dll(int code, const lagestatus_char* fileName, lagestatus_char* buffer);
 

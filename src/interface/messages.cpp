@@ -263,7 +263,7 @@ void write_message(Status code, const char16_t* fileName, char16_t* buffer) noex
     if (code >= firstOfSecondColumn && code <= lastOfSecondColumn) {
         code -= fromSecondToFirstColumn;
     }
-    const auto* const found = std::ranges::lower_bound(messages, code, {}, &Message::code);
+    const auto found = std::ranges::lower_bound(messages, code, {}, &Message::code);
     if (found == messages.end() || found->code != code) {
         return;
     }
