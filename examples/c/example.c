@@ -7,7 +7,7 @@
 #include <stdio.h>
 
 /* Prints a text of the library; its units of 128 and more are ISO 8859-1, printed as UTF-8. */
-static void print_text(const lagestatus_char *text) {
+static void print_text(const lagestatus_char* text) {
     for (; *text != 0; ++text) {
         if (*text < 0x80) {
             putchar(*text);
@@ -18,7 +18,7 @@ static void print_text(const lagestatus_char *text) {
     }
 }
 
-static int fail(int status, const lagestatus_char *fileName) {
+static int fail(int status, const lagestatus_char* fileName) {
     lagestatus_char message[91 + LAGESTATUS_NAME_SIZE + 129];
 
     transfm_dll(status, fileName, message);
@@ -28,11 +28,12 @@ static int fail(int status, const lagestatus_char *fileName) {
     return 1;
 }
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv) {
     lagestatus_char dir[LAGESTATUS_NAME_SIZE] = {0}, name[LAGESTATUS_NAME_SIZE], name2[LAGESTATUS_NAME_SIZE];
     lagestatus_char ellipsoid[LAGESTATUS_ELLIPSOID_SIZE], ellipsoid2[LAGESTATUS_ELLIPSOID_SIZE];
     lagestatus_char kind[LAGESTATUS_KIND_SIZE], kind2[LAGESTATUS_KIND_SIZE];
-    double source[LAGESTATUS_PARAMETER_COUNT], target[LAGESTATUS_PARAMETER_COUNT], result[LAGESTATUS_RESULT_SIZE];
+    double source[LAGESTATUS_PARAMETER_COUNT], target[LAGESTATUS_PARAMETER_COUNT],
+        result[LAGESTATUS_RESULT_SIZE];
     double point[3] = {52.5, 13.4, 100.0};
     int auxiliary[2], zone, status, i;
 
@@ -45,8 +46,8 @@ int main(int argc, char **argv) {
     }
 
     /* One call that reads everything it needs. */
-    status = trans_dll(point[0], point[1], point[2], 101, 201, dir, "e", result, name, auxiliary, ellipsoid, kind,
-                       name2, ellipsoid2, kind2);
+    status = trans_dll(point[0], point[1], point[2], 101, 201, dir, "e", result, name, auxiliary, ellipsoid,
+                       kind, name2, ellipsoid2, kind2);
     if (status != 0) {
         return fail(status, dir);
     }
@@ -65,7 +66,8 @@ int main(int argc, char **argv) {
         return fail(status, u"etrs89-geozentrisch.tra");
     }
     for (i = 0; i < 3; ++i) {
-        status = transr_dll(point, kind, kind2, result, ellipsoid, source, ellipsoid2, target, zone, 0, 0, dir);
+        status =
+            transr_dll(point, kind, kind2, result, ellipsoid, source, ellipsoid2, target, zone, 0, 0, dir);
         if (status != 0) {
             return fail(status, u"hoehe.ini");
         }
