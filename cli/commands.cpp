@@ -19,12 +19,12 @@ namespace {
 constexpr int codeNotListed = 93;
 constexpr int heightModelFrom = 1000;  // statuses from here on concern the height model
 
-// A file that is only used as a source may leave out the second column.
+// A file that is only used as a source may leave out the second column; its first line of two is then the first to
+// miss it.
 constexpr int firstOfSecondColumn = 70;
-constexpr int lastOfSecondColumn = 89;
 
 bool is_source_only(const System& source, const System& target) {
-    return source.status == 0 && target.status >= firstOfSecondColumn && target.status <= lastOfSecondColumn;
+    return source.status == 0 && target.status == firstOfSecondColumn;
 }
 
 void put(std::string_view text) {
@@ -71,6 +71,11 @@ const Entry* find_entry(const Definition& definition, int code) {
 
 // Reads DEFAULT; says on stderr what is wrong with it.
 bool open_directory(const std::string& directory, Definition& definition) {
+    if (directory.size() >= LAGESTATUS_NAME_SIZE) {
+        std::fprintf(stderr, "lagestatus: the name of the data directory has more than %d characters\n",
+                     LAGESTATUS_NAME_SIZE - 1);
+        return false;
+    }
     definition = read_definition(directory);
     if (definition.status != 0) {
         complain(definition.status, in_directory(directory, "DEFAULT"));
@@ -196,6 +201,9 @@ class PointWriter {
         failed_row(read.rest, std::to_string(transformed.status) + " " + message(transformed.status, file));
     }
 
+    // Whether there was no point yet.
+    [[nodiscard]] bool empty() const { return rows == 0; }
+
     // The exit status; the summary goes to stderr when anything failed.
     [[nodiscard]] int finish() const {
         if (unreadable == 0 && statuses.empty()) {
@@ -247,6 +255,9 @@ bool transform_stream(std::istream& stream, const std::string& name, PointWriter
         if (line.ends_with('\r')) {
             line.pop_back();
         }
+        if (number == 1 && line.starts_with("\xEF\xBB\xBF")) {  // byte order mark of UTF-8
+            line.erase(0, 3);
+        }
         writer.line(line, name + ":" + std::to_string(number));
     }
     if (stream.bad()) {
@@ -279,8 +290,8 @@ int list_systems(const std::string& directory) {
             row.push_back("*");
             row.push_back("status " + std::to_string(status) + ": " + message(status, file));
         } else {
-            row.insert(row.end(),
-                       {source.kind, source.ellipsoid, source.name + (sourceOnly ? " (source only)" : "")});
+            row.insert(row.end(), {source.kind, source.ellipsoid,
+                                   source.name + (sourceOnly ? " (source only: status 70)" : "")});
         }
         rows.push_back(row);
     }
@@ -314,7 +325,7 @@ int show_system(const std::string& directory, int code) {
                  {"ellipsoid", source.ellipsoid},
                  {"zone number", std::to_string(target.zoneNumber)},
                  {"into Bessel", stages(source)},
-                 {"out of Bessel", sourceOnly ? "not given: a source only" : stages(target)}});
+                 {"out of Bessel", sourceOnly ? "not given (status 70)" : stages(target)}});
     put("\n");
     std::vector<std::vector<std::string>> rows = {{"slot", "value", "into Bessel", "out of Bessel", "unit"}};
     for (std::size_t slot = 0; slot < slots.size(); ++slot) {
@@ -354,12 +365,16 @@ int transform_points(const TransformOptions& options) {
     bool readable = true;
     if (files.empty()) {
         readable = transform_stream(std::cin, "standard input", writer);
+        if (std::ferror(stdin) != 0) {  // the stream over it tells no error from the end
+            std::fprintf(stderr, "lagestatus: standard input: cannot be read\n");
+            readable = false;
+        }
     }
     for (std::size_t number = 0; number < files.size(); ++number) {
         readable = transform_stream(files[number], options.files[number], writer) && readable;
     }
     const int exitStatus = writer.finish();
-    return readable ? exitStatus : std::max(exitStatus, someFailed);
+    return readable ? exitStatus : (writer.empty() ? nothingDone : someFailed);
 }
 
 int show_message(int status, const std::string& fileName) {

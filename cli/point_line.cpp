@@ -1,5 +1,6 @@
 #include "point_line.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -31,7 +32,8 @@ bool read_number(std::string_view field, double& value) {
 }
 
 bool looks_like_number(std::string_view field) {
-    if (field.find_first_of("+-.0123456789") == 0) {
+    const std::size_t unsignedPart = field.find_first_not_of("+-.");
+    if (unsignedPart != std::string_view::npos && field[unsignedPart] >= '0' && field[unsignedPart] <= '9') {
         return true;
     }
     double value = 0.0;

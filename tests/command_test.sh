@@ -32,7 +32,7 @@ check() {
     }
 }
 
-printf '52.5 13.4 100 Ort Ä\r\n' >"$work/in"
+printf '\357\273\277''52.5 13.4 100 Ort Ä\r\n' >"$work/in"
 check 0 '^ *52\.498595283 +13\.398258473 +140\.9639  Ort Ä$' - transform --from 101 --to 201 -d "$sample"
 check 0 '^ *3785273\.0479 +901657\.6570 +5036881\.2583' - transform --from 101 --to 202 -d "$sample"
 check 0 '^ *52\.498595283 .*Ä$' - transform --from 101 --to 201 -d "$sample" "$work/in"
@@ -40,6 +40,7 @@ check 1 '\*  Ort Ä  1110 Datei .*hoehe\.ini existiert nicht' '1 of 1 points fai
     transform --from 101 --to 201 -d "$sample" --height n
 check 2 - 'status 93: Zur Lagestatusangabe existiert keine' transform --from 101 --to 999 -d "$sample"
 check 2 - 'Definitionsdatei /none/DEFAULT kann zum Lesen nicht geöffnet' transform --from 1 --to 2 -d /none
+check 2 - 'more than 99 characters' list -d "$(printf 'd%.0s' $(seq 100))"
 check 2 - 'cannot be opened' transform --from 101 --to 201 -d "$sample" "$work/none"
 check 2 - '--height' transform --from 101 --to 201 --height x -d "$sample"
 printf '52.5 13.4\n' >"$work/in"
@@ -61,7 +62,7 @@ check 0 'transform' - --help
 cp "$sample"/* "$work/"
 # A file without its second column serves as a source.
 LC_ALL=C sed -i 's/^\([-0-9.e]*\)  *[-0-9.e]*$/\1/' "$work/system-42-83-geographisch.tra"
-check 0 '^301 .*System 42/83 geographisch \(source only\)$' - list -d "$work"
+check 0 '^301 .*System 42/83 geographisch \(source only: status 70\)$' - list -d "$work"
 check 0 '^14 +translation in Y +-126\.4 +- +m$' - show 301 -d "$work"
 printf '52 13 7\n' >"$work/in"
 check 0 '^ *3834198\.6183 +885064\.4592 +5002813\.0793$' - transform --from 301 --to 202 -d "$work"
@@ -70,6 +71,7 @@ check 2 - 'Soldner systems cannot be transformed' transform --from 301 --to 202 
 printf '101\n' >"$work/etrs89-geographisch.tra"
 check 1 '^201 .*status 9: Lesefehler in etrs89-geographisch.tra beim Vergleichen' - list -d "$work"
 check 2 - 'etrs89-geographisch.tra beim Vergleichen' transform --from 101 --to 201 -d "$work"
+"$program" transform --from 101 --to 201 -d "$sample" <"$work" 2>/dev/null && failures=$((failures + 1))
 [ -e /dev/full ] && "$program" message 93 >/dev/full 2>/dev/null && failures=$((failures + 1))
 
 echo "$((cases - failures)) passed, $failures failed"

@@ -97,6 +97,11 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
     EXPECT_EQ(list(root + "\\Sub\\").count, -3) << "a doubled separator";
     EXPECT_EQ(list(root + "/other").status, 0) << "the backslash as a character";
     EXPECT_EQ(list(root + "/isdir").status, 1);
+    directory.write("isdir/default", "0\n");
+    EXPECT_EQ(list(root + "/isdir").status, 1) << "the name itself is there, and is no file";
+    directory.write("plain", "");
+    directory.write("plain\\DEFAULT", "-4\n");
+    EXPECT_EQ(list(root + "/plain").count, -4) << "a file where the directory should be";
     EXPECT_EQ(list(root + "/fifo").status, 1) << "and it does not block";
     EXPECT_EQ(list(root + "/unreadable").status, 100) << "a read error, not an end that looks like one";
     EXPECT_EQ(list(root + "/none").status, 1);

@@ -1,4 +1,5 @@
 // The boundary, the driver and the messages.
+#include <limits>
 #include <map>
 
 #include "support.h"

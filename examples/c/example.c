@@ -5,6 +5,7 @@
  */
 #include <lagestatus.h>
 #include <stdio.h>
+#include <string.h>
 
 /* Prints a text of the library; its units of 128 and more are ISO 8859-1, printed as UTF-8. */
 static void print_text(const lagestatus_char* text) {
@@ -29,7 +30,8 @@ static int fail(int status, const lagestatus_char* fileName) {
 }
 
 int main(int argc, char** argv) {
-    lagestatus_char dir[LAGESTATUS_NAME_SIZE] = {0}, name[LAGESTATUS_NAME_SIZE], name2[LAGESTATUS_NAME_SIZE];
+    lagestatus_char dir[LAGESTATUS_NAME_SIZE] = {0};
+    lagestatus_char name[LAGESTATUS_NAME_SIZE], name2[LAGESTATUS_NAME_SIZE];
     lagestatus_char ellipsoid[LAGESTATUS_ELLIPSOID_SIZE], ellipsoid2[LAGESTATUS_ELLIPSOID_SIZE];
     lagestatus_char kind[LAGESTATUS_KIND_SIZE], kind2[LAGESTATUS_KIND_SIZE];
     double source[LAGESTATUS_PARAMETER_COUNT], target[LAGESTATUS_PARAMETER_COUNT],
@@ -37,7 +39,11 @@ int main(int argc, char** argv) {
     double point[3] = {52.5, 13.4, 100.0};
     int auxiliary[2], zone, status, i;
 
-    for (i = 0; argc > 1 && argv[1][i] != '\0' && i < LAGESTATUS_NAME_SIZE - 1; ++i) {
+    if (argc != 2 || strlen(argv[1]) >= LAGESTATUS_NAME_SIZE) {
+        printf("usage: example DIRECTORY, at most %d characters\n", LAGESTATUS_NAME_SIZE - 1);
+        return 1;
+    }
+    for (i = 0; argv[1][i] != '\0'; ++i) {
         dir[i] = (unsigned char)argv[1][i];
     }
     if (test_dll(1.0, 2.0, 3.0, result) != 0 || result[3] != 3.0) {

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstddef>
-#include <span>
 #include <string_view>
 
 #include "base/fixed_text.h"

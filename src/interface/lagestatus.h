@@ -53,8 +53,8 @@
  *     7 to 48, 70 to 89      parameter file
  *     100                    one of these ends, or cannot be read, before the line that is due
  *     12                     from the pipeline: a projection kind that is not carried
- *     90                     no finite coordinates (arguments that are not finite, points on the earth's axis,
- *                            parameters that lead nowhere)
+ *     90                     no finite coordinates (arguments that are not finite, parameters that lead nowhere;
+ *                            on the way to latitude and longitude points on the earth's axis)
  *     93                     a code is not listed in DEFAULT
  *     1000 and above         height model; 1110: it could not be opened
  *
