@@ -72,7 +72,8 @@ std::size_t open_file_handles() {
 }
 
 DataDirectory::DataDirectory() {
-    std::string name = (std::filesystem::temp_directory_path() / "lagestatus-XXXXXX").string();
+    std::string name =
+        (std::filesystem::temp_directory_path() / ("lagestatus-" + std::string(6, 'X'))).string();
     root = mkdtemp(name.data());
 }
 

@@ -103,7 +103,7 @@ Opened open_without_case(std::string_view path) noexcept {
     int handle = noFile;
     FileName name;
     do {
-        name = next_without_case(directoryHandle, wanted, FileName(name).view());
+        name = next_without_case(directoryHandle, wanted, name.view());
         if (!name.view().empty()) {
             handle = open_regular(directoryHandle, name.c_str()).handle;
         }
