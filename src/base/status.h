@@ -21,6 +21,7 @@ inline constexpr Status parameterFileNotOpened = 7;
 inline constexpr Status codeUnreadable = 8;
 inline constexpr Status codeDiffers = 9;
 inline constexpr Status projectionKind = 12;
+inline constexpr Status longitudeOfOrigin = 14;  // also of the pipeline: a zone layout that gives a target no zone
 
 // A definition or parameter file that ends, or fails to be read, before the line that is due.
 inline constexpr Status fileEnds = 100;
@@ -29,6 +30,30 @@ inline constexpr Status fileEnds = 100;
 inline constexpr Status noGeographicCoordinates = 90;
 inline constexpr Status codeNotListed = 93;
 inline constexpr Status heightModelNotOpened = 1110;
+
+// Projections, by routine. Beside the loop that does not settle, 206, 304, 403 and 501 stand for results that are not
+// finite.
+inline constexpr Status soldnerToGeoEccentricity = 201;
+inline constexpr Status soldnerToGeoArc = 202;
+inline constexpr Status soldnerToGeoFootpointArc = 203;
+inline constexpr Status soldnerToGeoFootpoint = 204;
+inline constexpr Status soldnerToGeoCircuit = 205;
+inline constexpr Status soldnerToGeoSigma = 206;
+inline constexpr Status soldnerToGeoLongitude = 207;
+inline constexpr Status soldnerToGeoQuarter = 208;
+inline constexpr Status kruegerToGeoEccentricity = 301;
+inline constexpr Status kruegerToGeoArc = 302;
+inline constexpr Status kruegerToGeoSeries = 303;
+inline constexpr Status kruegerToGeoLatitude = 304;
+inline constexpr Status kruegerToGeoPhi = 305;
+inline constexpr Status geoToSoldnerEccentricity = 401;
+inline constexpr Status geoToSoldnerArc = 402;
+inline constexpr Status geoToSoldnerFootpoint = 403;
+inline constexpr Status geoToSoldnerY = 404;
+inline constexpr Status geoToSoldnerFootpointArc = 405;
+inline constexpr Status geoToKruegerCoordinates = 501;
+inline constexpr Status geoToKruegerEccentricity = 502;
+inline constexpr Status geoToKruegerArc = 503;
 
 // trans_dll empties its result for the statuses 1 to lastWithoutResult; after those above it stays as it is.
 inline constexpr Status lastWithoutResult = 999;

@@ -1,0 +1,185 @@
+// What the four projection routines share: the power series of an ellipsoid and of its geodesics.
+//
+// Every series is summed term by term until a term t has |t| <= tolerance; a limit of passes ends it without success.
+// It is not entered at all, and keeps its start value, unless firstChange is above the tolerance. A term that is not a
+// number ends it as well: the routines look at their results before they hand them out.
+//
+//   symbol     here                     meaning
+//   e2         e2                       first numerical eccentricity squared
+//   c_k        oddOverEven              (2k-1)!! / (2k)!!
+//   d_i        evenOverOdd[i]           (2i)!! / (2i+1)!!
+//   T_k        term(k)                  (2k+1) c_k^2 e^(2k)
+//   alpha_j    alternating[j]           (-1)^j c_j
+//   g_k        binomial_root(...)       coefficient of t^k in sqrt(1 - t), times e^(2k)
+//
+// The coefficients that depend on nothing are computed by their recurrences when the library is compiled; doubles
+// round there as they do at run time. Powers are pow(x, k), never repeated products, unless a name says so: the bits
+// of the results depend on it.
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace lagestatus {
+
+inline constexpr int maxPasses = 100;  // of every series and every iteration
+inline constexpr double firstChange = 99.0;
+
+namespace coefficients {
+
+inline constexpr std::size_t count = maxPasses + 1;
+
+// (2k+1) c_k^2 for k = 1 to 100, the factors of e^(2k) in T_k; [0] is not used.
+inline constexpr std::array<double, count> arcFactor = [] {
+    std::array<double, count> table = {};
+    double oddOverEven = 1.0;
+    for (std::size_t k = 1; k < count; ++k) {
+        const double twice = static_cast<double>(k - 1) * 2.0;
+        oddOverEven = ((twice + 1.0) * oddOverEven) / (twice + 2.0);
+        table[k] = (static_cast<double>(k) * 2.0 + 1.0) * (oddOverEven * oddOverEven);
+    }
+    return table;
+}();
+
+inline constexpr std::array<double, count> evenOverOdd = [] {
+    std::array<double, count> table = {1.0};
+    for (std::size_t i = 1; i < count; ++i) {
+        const double twice = static_cast<double>(i - 1) * 2.0;
+        table[i] = ((twice + 2.0) * table[i - 1]) / (twice + 3.0);
+    }
+    return table;
+}();
+
+inline constexpr std::array<double, count> alternating = [] {
+    std::array<double, count> table = {1.0};
+    for (std::size_t j = 1; j < count; ++j) {
+        const double twice = static_cast<double>(j - 1) * 2.0;
+        table[j] = ((twice + 1.0) * -table[j - 1]) / (twice + 2.0);
+    }
+    return table;
+}();
+
+// Row m of the binomial coefficients begins at m (m + 1) / 2 and has m + 1 of them.
+inline constexpr std::array<double, count*(count + 1) / 2> binomials = [] {
+    std::array<double, count*(count + 1) / 2> table = {};
+    for (std::size_t m = 0, at = 0; m < count; ++m) {
+        double binomial = static_cast<double>(m);
+        for (std::size_t j = 0; j <= m; ++j, ++at) {
+            if (j >= 2) {
+                binomial = (static_cast<double>(m - j + 1) * binomial) / static_cast<double>(j);
+            }
+            table[at] = j == 0 || j == m ? 1.0 : binomial;
+        }
+    }
+    return table;
+}();
+
+}  // namespace coefficients
+
+// g_k from g_(k-1).
+[[nodiscard]] inline double binomial_root(double previous, double e2, int k) noexcept {
+    const double twice = static_cast<double>(k - 1) * 2.0;
+    return ((twice - 1.0) * previous) / (twice + 2.0) * e2;
+}
+
+// The meridian arc from the equator is
+//
+//   G(phi) = A (1 - e2) a phi - sin(2 phi) (1 - e2) a / 2 B(phi),   A = 1 + S,
+//   S = sum over k >= 1 of T_k,   B(phi) = sum over k >= 1 of T_k sum over 0 <= i < k of d_i sin^(2i) phi,
+//
+// which is a (1 - e2) times the integral of (1 - e2 sin^2 t)^(-3/2) from 0 to phi, the root expanded by the binomial
+// theorem and every power of the sine integrated by parts.
+class ArcSeries {
+  public:
+    // Given: the semi-axes in metres.
+    ArcSeries(double a, double b) noexcept : e2(1.0 - ((b / a) * b) / a) {}
+
+    double e2;
+
+    // e^(2k) and T_k for k = 1 to 100.
+    [[nodiscard]] double power(int k) noexcept {
+        extend_to(k);
+        return powers[static_cast<std::size_t>(k)];
+    }
+    [[nodiscard]] double term(int k) noexcept {
+        extend_to(k);
+        return terms[static_cast<std::size_t>(k)];
+    }
+
+    // Sums S. Returned: whether it converged within 100 terms; sum holds what was summed.
+    [[nodiscard]] bool rectifying(double tolerance, double& sum) noexcept;
+
+    // Sums B(phi), phi in radians. Returned: whether it converged within 99 passes; sum holds what was summed.
+    [[nodiscard]] bool meridian_arc(double phi, double tolerance, double& sum) noexcept;
+
+  private:
+    void extend_to(int k) noexcept {
+        while (known < k) {
+            ++known;
+            const auto next = static_cast<std::size_t>(known);
+            powers[next] = std::pow(e2, static_cast<double>(known));
+            terms[next] = powers[next] * coefficients::arcFactor[next];
+        }
+    }
+
+    int known = 0;
+    std::array<double, coefficients::count> powers;  // both as far as known
+    std::array<double, coefficients::count> terms;
+};
+
+// The sums over a geodesic on the auxiliary sphere whose footpoint (vertex) has the reduced latitude beta_f, with
+// x = sin^2 beta_f: from the geodesic's node, with sigma the arc on the sphere and omega the longitude on it,
+//
+//   arc length  s(sigma) = a sum over k >= 0 of g_k (sigma P_k - sin(2 sigma) / 2 Q_k)
+//   longitude   lambda(sigma) = omega + cos beta_f sum over k >= 1 of g_k (sigma P_(k-1) - sin(2 sigma) / 2 Q_(k-1))
+//
+//   P_m = sum over 0 <= j <= m of x^j alpha_j binomial(m, j)
+//   Q_m = sum over 0 <= j <= m of R_j alpha_j binomial(m, j),   R_0 = 0,   R_(j+1) = (sin^(2j) beta d_j + R_j) x
+//
+// with beta the reduced latitude of the point. Reference: F. W. Bessel, Ueber die Berechnung der geographischen Laengen
+// und Breiten aus geodaetischen Vermessungen, Astronomische Nachrichten 4 (1826), 241-254; here the integrals are
+// expanded in e2 and not in Bessel's modulus. The powers x^j are a running product.
+//
+// All members are for 0 <= m <= 100; values are kept as they are asked for.
+class GeodesicSeries {
+  public:
+    explicit GeodesicSeries(double sineSquared) noexcept : x(sineSquared) {}
+
+    [[nodiscard]] double P(int m) noexcept;
+
+    // Q_m. power(j) gives sin^(2j) beta times d_j, as it enters R_(j+1); it is asked once for each j.
+    template <typename Power>
+    [[nodiscard]] double Q(int m, Power power) noexcept {
+        const auto last = static_cast<std::size_t>(m);
+        for (; knownR <= last; ++knownR) {
+            if (knownR > 0) {
+                R = (power(knownR - 1) + R) * x;
+            }
+            weightedR[knownR] = R * coefficients::alternating[knownR];
+        }
+        return weighted_by_binomials(weightedR, last);
+    }
+
+    // Forgets the remainders, for another point of the same geodesic.
+    void forget_point() noexcept {
+        knownR = 0;
+        R = 0.0;
+    }
+
+  private:
+    using Table = std::array<double, coefficients::count>;
+    [[nodiscard]] static double weighted_by_binomials(const Table& table, std::size_t m) noexcept;
+
+    double x;
+    double xPower = 1.0;
+    double R = 0.0;
+    std::size_t knownX = 0;
+    std::size_t knownR = 0;
+    std::size_t knownP = 0;
+    Table weightedX;  // x^j alpha_j, as far as knownX
+    Table weightedR;  // R_j alpha_j, as far as knownR
+    Table sumsP;      // P_m, as far as knownP
+};
+
+}  // namespace lagestatus

@@ -1,0 +1,193 @@
+// Latitude and longitude to Gauss-Krueger coordinates.
+//
+// The isometric latitude q and the longitude l from the central meridian make the complex isometric latitude
+// w = q + i l. The complex latitude Z that belongs to it solves  w = artanh(sin Z) - e artanh(e sin Z),  by the
+// iteration  sin Z' = tanh(w + e artanh(e sin Z)).  The coordinates are the meridian arc at Z: x + i y = G(Z) - G(phi0).
+// One loop refines Z by a step and lengthens the arc's series by a term. Reference: L. Krueger, Konforme Abbildung des
+// Erdellipsoids in der Ebene, Veroeffentlichung des Koeniglich Preuszischen Geodaetischen Institutes, Neue Folge 52,
+// 1912, for the mapping; the loop is this library's own form of it.
+//
+//   symbol          meaning
+//   Q, L            real and imaginary part of w + e artanh(e sin Z)
+//   Sr, Si          tanh(Q + i L) = sin Z
+//   W               |1 - sin^2 Z|;  H  half the argument of 1 - sin^2 Z
+//   Zr, Zi          the complex latitude
+//   N               |1 - e sin Z|^2, m and g  modulus and argument of (1 + e sin Z) / (1 - e sin Z)
+//   rho, theta      modulus and argument of sin Z
+//   T, S            terms and partial sums of the e2 series
+//   Dr, Di          sum of d_j sin^(2j) Z;  Br, Bi  the arc's series B(Z)
+#include <cmath>
+#include <cstddef>
+
+#include "base/angles.h"
+#include "projections/ellipsoid_series.h"
+#include "projections/projections.h"
+
+namespace lagestatus {
+namespace {
+
+using coefficients::evenOverOdd;
+
+struct ComplexLatitude {
+    double Zr;
+    double Zi;
+};
+
+// What several formulas ask of one complex latitude.
+struct Functions {
+    explicit Functions(const ComplexLatitude& Z) noexcept
+        : sinZr(std::sin(Z.Zr)),
+          cosZr(std::cos(Z.Zr)),
+          Ep(std::exp(Z.Zi)),
+          Em(std::exp(-Z.Zi)),
+          F(std::exp(Z.Zi * 2.0)),
+          Fm(std::exp(Z.Zi * -2.0)) {}
+
+    double sinZr, cosZr;
+    double Ep, Em;  // e^Zi, e^-Zi
+    double F, Fm;   // e^2Zi, e^-2Zi
+};
+
+struct Isometric {
+    double Q;
+    double twoL;
+};
+
+// The complex latitude whose sine is tanh(Q + i L).
+ComplexLatitude latitude_of(const Isometric& w) noexcept {
+    const double P = std::exp(w.Q * 2.0);
+    const double M = std::exp(w.Q * -2.0);
+    const double cL = std::cos(w.twoL);
+    const double sL = std::sin(w.twoL);
+    const double D = (M + P) * 0.5 + cL;
+    const double Si = sL / D;
+    const double Sr = (P - M) * 0.5 / D;
+    const double W =
+        std::sqrt(Sr * Sr * Sr * Sr + ((Si * 2.0 * Si + (1.0 - Sr * 2.0 * Sr)) + Sr * 2.0 * Sr * Si * Si) +
+                  Si * Si * Si * Si);
+    const double E = (M + P) * cL + 2.0;
+    const double H = (E != 0.0 ? std::atan((M - P) * sL / E) : halfPi) * 0.5;
+    const double r = std::sqrt(W);
+    const double h = std::cos(H);
+    const double sinH = std::sin(H);
+    const double base = r * h - Si;
+    return {base != 0.0 ? std::atan((sinH * r + Sr) / base) : halfPi,
+            -std::log(std::sqrt((sinH * Sr - h * Si) * (r * 2.0) + ((Sr * Sr + W) + Si * Si)))};
+}
+
+// One step of the iteration, for the point (q, l): w + e artanh(e sin Z).
+Isometric next_isometric(const Functions& Z, double e, double q, double l) noexcept {
+    const double ee = e * e;
+    const double Ch = Z.F + Z.Fm;
+    const double U = Z.sinZr * ee * Z.sinZr * (Ch + 2.0) * 0.25;
+    const double V = Z.cosZr * ee * Z.cosZr * (Ch - 2.0);
+    const double N = ((1.0 - (Z.Ep + Z.Em) * (Z.sinZr * e)) + U) + V * 0.25;
+    const double F1 = V / N;
+    const double F2 = ((1.0 - U) - V * 0.25) / N;
+    const double m = std::sqrt(F1 / N + F2 * F2);
+    const double g = F2 != 0.0 ? std::atan((Z.Ep - Z.Em) * (Z.cosZr * e) / N / F2) : halfPi;
+    return {std::log(m) * e * 0.5 + q, (g * e * 0.5 + l) * 2.0};
+}
+
+// The terms and partial sums of the e2 series, by their recurrence; one pass of the loop asks for one more.
+class Recurrence {
+  public:
+    explicit Recurrence(double eccentricitySquared) noexcept : e2(eccentricitySquared) {
+        T[0] = e2 * 0.75;
+        S[0] = T[0];
+    }
+
+    void extend_to(std::size_t last) noexcept {
+        for (; known < last; ++known) {
+            const double t = static_cast<double>(known + 1) * 2.0;
+            const double odd = T[known] * (t + 1.0);
+            T[known + 1] = odd * (t + 3.0) / ((t + 2.0) * (t + 2.0)) * e2;
+            S[known + 1] = S[known] + T[known + 1];
+        }
+    }
+
+    std::array<double, maxPasses> T;  // T[j] is T_(j+1)
+    std::array<double, maxPasses> S;
+
+  private:
+    double e2;
+    std::size_t known = 0;
+};
+
+}  // namespace
+
+int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0, double lam0,
+                         PlaneResult& res, double tolCoord, double tolSeries) noexcept {
+    ArcSeries series(a, b);
+    const double e2 = series.e2;
+    const double e = std::sqrt(e2);
+    const double K0 = (1.0 - e2) * a;
+
+    const double s = std::sin(phi);
+    const double q =
+        std::log((s + 1.0) / (1.0 - s)) * 0.5 - std::log((s * e + 1.0) / (1.0 - s * e)) * 0.5 * e;
+    const double l = lam - lam0;
+    ComplexLatitude Z = latitude_of({q, l * 2.0});
+    Z = latitude_of(next_isometric(Functions(Z), e, q, l));
+
+    Recurrence terms(e2);
+    double X = 0.0;
+    double Y = 0.0;
+    double Xold = firstChange;
+    double Yold = firstChange;
+    const auto moves = [&] { return std::fabs(Xold - X) > tolCoord || std::fabs(Yold - Y) > tolCoord; };
+    for (int n = 2; moves(); ++n) {
+        if (n > maxPasses) {
+            return status::geoToKruegerCoordinates;
+        }
+        Yold = Y;
+        Xold = X;
+        const Functions f(Z);
+        const double rho = std::sqrt(f.sinZr * f.sinZr + ((f.Fm + f.F) - 2.0) * 0.25);
+        const double theta =
+            f.sinZr * (f.Em + f.Ep) != 0.0
+                ? std::atan(f.cosZr * (f.Ep - f.Em) / (f.Em + f.Ep) / f.sinZr)
+                : halfPi;
+        const auto last = static_cast<std::size_t>(n) - 1;
+        terms.extend_to(last);
+        double Br = terms.T[0];
+        double Bi = 0.0;
+        double Dr = 1.0;
+        double Di = 0.0;
+        for (std::size_t j = 1; j <= last; ++j) {
+            const double t = static_cast<double>(j) * 2.0;
+            const double w = std::pow(rho, t) * evenOverOdd[j];
+            Dr += std::cos(t * theta) * w;
+            Di += std::sin(t * theta) * w;
+            Br += Dr * terms.T[j];
+            Bi += Di * terms.T[j];
+        }
+
+        Z = latitude_of(next_isometric(f, e, q, l));
+        const double F = std::exp(Z.Zi * 2.0);
+        const double Fm = std::exp(Z.Zi * -2.0);
+        const double A = (terms.S[last] + 1.0) * K0;
+        const double s2 = std::sin(Z.Zr * 2.0) * (Fm + F);
+        const double c2 = std::cos(Z.Zr * 2.0) * (F - Fm);
+        const double K = K0 * 0.25;
+        Y = A * Z.Zi - (c2 * Br + s2 * Bi) * K;
+        X = A * Z.Zr - (s2 * Br - c2 * Bi) * K;
+    }
+
+    double S = 0.0;
+    double B = 0.0;
+    if (!series.rectifying(tolSeries, S)) {
+        return status::geoToKruegerEccentricity;
+    }
+    if (!series.meridian_arc(phi0, tolSeries, B)) {
+        return status::geoToKruegerArc;
+    }
+    const double x = std::sin(phi0 * 2.0) * ((K0 * 0.5) * B) + (X - ((S + 1.0) * K0) * phi0);
+    if (!std::isfinite(Y) || !std::isfinite(x)) {
+        return status::geoToKruegerCoordinates;
+    }
+    res = {Y, x};
+    return status::ok;
+}
+
+}  // namespace lagestatus

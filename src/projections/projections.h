@@ -1,0 +1,78 @@
+// Between latitude and longitude and the two kinds of plane coordinates, on one ellipsoid, both ways.
+//
+// All four take the semi-axes a, b in metres and the latitude of origin phi0 in radians, which the northing counts
+// from. Angles are radians, north and east positive; lengths metres. A routine returns a status and writes its two
+// results on success only: every loop has a limit of 100 passes with a status of its own, and results that are not
+// finite are never a success. No argument is checked. "Truth" is what GeographicLib gives (TransverseMercatorExact,
+// Geodesic); docs/accuracy.md shows the whole domain. The statements of accuracy are for the tolerances given here,
+// and for ellipsoids like the Earth's.
+#pragma once
+
+#include <array>
+
+#include "base/status.h"
+
+namespace lagestatus {
+
+// What the pipeline passes.
+inline constexpr double tolSeriesUsual = 1e-12;  // terms of the ellipsoid's series, plain numbers
+inline constexpr double tolAngleUsual = 1e-10;   // iterations on angles and sines, radians
+inline constexpr double tolLengthUsual = 1e-4;   // arcs of the Soldner routines, metres
+inline constexpr double tolCoordUsual = 1e-4;    // Gauss-Krueger coordinates, metres
+
+using PlaneResult = std::array<double, 2>;       // y (easting), x (northing)
+using GeographicResult = std::array<double, 2>;  // latitude, longitude
+
+// Gauss-Krueger (conformal transverse) coordinates, unscaled and without zone.
+//
+// Given:    phi, lam   the point
+//           lam0       longitude of the central meridian
+//           tolCoord   the loop ends when neither coordinate changes by more, metres
+//           tolSeries  tolerance of the series at the origin
+// Returned: res        y from the central meridian, x from phi0
+//           status     0; 501 the coordinates do not settle or are not finite (the poles among them); 502, 503 the
+//                      series at the origin do not converge
+int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0, double lam0,
+                         PlaneResult& res, double tolCoord, double tolSeries) noexcept;
+
+// The inverse.
+//
+// Given:    y, x       coordinates, unscaled and without zone
+//           tolAngle   tolerance of the latitude's sine
+//           tolSeries  tolerance of the series and of the complex latitude
+// Returned: res        latitude, longitude from the central meridian
+//           status     0; 301, 302 the series at the origin do not converge; 303 nor does the series of a pass; 304
+//                      the complex latitude does not settle, or the results are not finite; 305 the latitude does
+//                      not settle
+int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, GeographicResult& res,
+                         double tolAngle, double tolSeries) noexcept;
+
+// Soldner coordinates: y is the length of the geodesic that leaves the central meridian at right angles and meets
+// the point, x that of the meridian from phi0 to the geodesic's footpoint.
+//
+// Given:    phi, lam   the point
+//           lam0       longitude of the central meridian
+//           tolAngle, tolLength
+//                      tolerances of the footpoint's angles and arc; tolLength also that of the terms of y
+//           tolSeries  tolerance of the ellipsoid's series
+// Returned: res        y, positive in the east; x, positive in the north of the origin
+//           status     0; 401, 402 the series at the origin do not converge; 403 the footpoint does not settle, or
+//                      the results are not finite (the poles and the equator among them); 404 the series of y, 405
+//                      that of the footpoint's meridian arc does not converge
+int geo_to_soldner(double a, double b, double phi, double lam, double phi0, double lam0, PlaneResult& res,
+                   double tolAngle, double tolLength, double tolSeries) noexcept;
+
+// The inverse.
+//
+// Given:    y, x       coordinates
+//           lam0       longitude of the central meridian
+//           tolAngle, tolLength, tolSeries
+//                      tolerances of angles, of the whole circuit's length, of the ellipsoid's series
+// Returned: res        latitude; longitude, lam0 included
+//           status     0; 201, 202 the series at the origin do not converge; 203 nor does that of a pass; 204 the
+//                      footpoint's latitude does not settle; 205 the circuit's length does not converge; 206 the arc
+//                      does not settle, or the results are not finite; 207, 208 the longitude does not converge
+int soldner_to_geo(double a, double b, double y, double x, double phi0, double lam0, GeographicResult& res,
+                   double tolAngle, double tolLength, double tolSeries) noexcept;
+
+}  // namespace lagestatus
