@@ -18,6 +18,7 @@ bool ArcSeries::rectifying(double tolerance, double& sum) noexcept {
 bool ArcSeries::meridian_arc(double phi, double tolerance, double& sum) noexcept {
     std::array<double, coefficients::count> power;  // sin^(2i) phi
     const double sinPhi = std::sin(phi);
+    const bool equator = sinPhi == 0.0;  // where most systems have their origin
     sum = e2 * 0.75;
     double t = firstChange;
     for (int k = 2; std::fabs(t) > tolerance; ++k) {
@@ -26,7 +27,7 @@ bool ArcSeries::meridian_arc(double phi, double tolerance, double& sum) noexcept
         }
         const double T = term(k);
         const auto last = static_cast<std::size_t>(k) - 1;
-        power[last] = std::pow(sinPhi, static_cast<double>(k - 1) * 2.0);
+        power[last] = equator ? 0.0 : std::pow(sinPhi, static_cast<double>(k - 1) * 2.0);
         t = T;
         for (std::size_t i = 1; i <= last; ++i) {
             t += power[i] * (coefficients::evenOverOdd[i] * T);

@@ -97,6 +97,11 @@ class ArcSeries {
 
     double e2;
 
+    // Whether S and B(0) converge for certain: T_k is below e^(2k).
+    [[nodiscard]] bool sure_to_converge(double tolerance) const noexcept {
+        return e2 >= 0.0 && e2 < 0.1 && tolerance > 1e-90;
+    }
+
     // e^(2k) and T_k for k = 1 to 100.
     [[nodiscard]] double power(int k) noexcept {
         extend_to(k);
