@@ -345,13 +345,6 @@ int transform_points(const TransformOptions& options) {
         !open_system(options.directory, definition, options.to, Role::target, target)) {
         return nothingDone;
     }
-    for (const System* system : {&source, &target}) {
-        if (!system->kind.starts_with("Geo")) {
-            std::fprintf(stderr, "lagestatus: \"%s\": %s systems cannot be transformed by this version\n",
-                         system->name.c_str(), system->kind.c_str());
-            return nothingDone;
-        }
-    }
     // All files are opened before the first row: a wrong name must not be found out half way.
     std::vector<std::ifstream> files;
     for (const std::string& name : options.files) {

@@ -2,7 +2,8 @@
 
 #include <cmath>
 
-using std::acos, std::asin, std::atan, std::cos, std::exp, std::fabs, std::log, std::pow, std::sin, std::sqrt, std::tan;
+using std::acos, std::asin, std::atan, std::cos, std::exp, std::fabs, std::log, std::pow, std::sin, std::sqrt,
+    std::tan;
 
 namespace as_written {
 namespace {
@@ -243,10 +244,10 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, st
         Br = Zr;
         Bi = Zi;
         const double F = exp(Zi * 2), Fm = exp(Zi * (-2));
-        const double ZrNew = (sin(Zr * 2) * (Fm + F) * Bre * 0.25 / A + m) -
-                             cos(Zr * 2) * (F - Fm) * Bim * 0.25 / A;
-        const double ZiNew = (sin(ZrNew * 2) * (Fm + F) * Bim * 0.25 / A + u) +
-                             cos(ZrNew * 2) * (F - Fm) * Bre * 0.25 / A;
+        const double ZrNew =
+            (sin(Zr * 2) * (Fm + F) * Bre * 0.25 / A + m) - cos(Zr * 2) * (F - Fm) * Bim * 0.25 / A;
+        const double ZiNew =
+            (sin(ZrNew * 2) * (Fm + F) * Bim * 0.25 / A + u) + cos(ZrNew * 2) * (F - Fm) * Bre * 0.25 / A;
         dRe = fabs(ZrNew - Zr);
         dIm = fabs(ZiNew - Zi);
         Zr = ZrNew;

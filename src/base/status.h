@@ -21,7 +21,8 @@ inline constexpr Status parameterFileNotOpened = 7;
 inline constexpr Status codeUnreadable = 8;
 inline constexpr Status codeDiffers = 9;
 inline constexpr Status projectionKind = 12;
-inline constexpr Status longitudeOfOrigin = 14;  // also of the pipeline: a zone layout that gives a target no zone
+inline constexpr Status longitudeOfOrigin =
+    14;  // also of the pipeline: a zone layout that gives a target no zone
 
 // A definition or parameter file that ends, or fails to be read, before the line that is due.
 inline constexpr Status fileEnds = 100;

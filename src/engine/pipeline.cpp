@@ -5,13 +5,10 @@
 
 #include "base/angles.h"
 #include "engine/datum_step.h"
+#include "engine/plane_systems.h"
 
 namespace lagestatus {
 namespace {
-
-bool is_carried(ProjectionKind kind) noexcept {
-    return kind == ProjectionKind::geographic || kind == ProjectionKind::geocentric;
-}
 
 // Whether a normal height given at the source has to become an ellipsoidal one on the way.
 bool corrects_given_height(const Side& source, HeightFlags heights) noexcept {
@@ -19,12 +16,22 @@ bool corrects_given_height(const Side& source, HeightFlags heights) noexcept {
            (source.bessel ? source.kind != ProjectionKind::geocentric : heights.targetWantsNormal);
 }
 
-Geographic source_to_geographic(const Point& point) noexcept {
-    return {point[0] * degree, point[1] * degree, point[2]};
+// The source's coordinates as latitude and longitude; for systems that are not geocentric.
+Status source_to_geographic(const Side& source, const Point& point, Geographic& result) noexcept {
+    if (source.kind == ProjectionKind::geographic) {
+        result = {point[0] * degree, point[1] * degree, point[2]};
+        return status::ok;
+    }
+    return plane_to_geographic(source, point, result);
 }
 
-Point geographic_to_target(const Geographic& point) noexcept {
-    return {point.phi / degree, point.lam / degree, point.h};
+// Latitude and longitude as the target's coordinates; for systems that are not geocentric.
+Status geographic_to_target(const Side& target, const Geographic& point, Point& result) noexcept {
+    if (target.kind == ProjectionKind::geographic) {
+        result = {point.phi / degree, point.lam / degree, point.h};
+        return status::ok;
+    }
+    return geographic_to_plane(target, point, result);
 }
 
 // The datum steps through the Bessel datum; neither between systems on the same ellipsoid.
@@ -40,22 +47,14 @@ Geocentric through_bessel_datum(const Side& source, const Side& target, Geocentr
 
 }  // namespace
 
-Side::Side(std::string_view kindText, std::string_view ellipsoidText,
-           std::span<const double, parameterCount> parameterArray) noexcept
-    : kind(projection_kind(kindText)),
-      ellipsoidName(ellipsoidText),
-      bessel(ellipsoidText.starts_with("Bessel")),
-      parameters(parameterArray),
-      ellipsoid{parameterArray[slot::semiMajorAxis], parameterArray[slot::semiMinorAxis]} {}
-
 Status transform_point(const Point& point, const Side& source, const Side& target, HeightFlags heights,
                        Result& result) noexcept {
     result = {0.0, 0.0, 0.0, point[2]};
-    if (!is_carried(source.kind) || !is_carried(target.kind)) {
+    if (source.kind == ProjectionKind::unknown || target.kind == ProjectionKind::unknown) {
         return status::projectionKind;
     }
-    if (corrects_given_height(source, heights)) {
-        return status::heightModelNotOpened;
+    if (target.kind == ProjectionKind::gaussKrueger && target.zones.has_no_zones()) {
+        return status::longitudeOfOrigin;
     }
     const bool sourceGeocentric = source.kind == ProjectionKind::geocentric;
     const bool sameEllipsoid = source.ellipsoidName == target.ellipsoidName;
@@ -63,7 +62,14 @@ Status transform_point(const Point& point, const Side& source, const Side& targe
     Geographic geographic;
     Geocentric geocentric = {point[0], point[1], point[2]};
     if (!sourceGeocentric) {
-        geographic = source_to_geographic(point);
+        if (const Status read = source_to_geographic(source, point, geographic); read != status::ok) {
+            return read;
+        }
+    }
+    if (corrects_given_height(source, heights)) {
+        return status::heightModelNotOpened;
+    }
+    if (!sourceGeocentric) {
         geocentric = geographic_to_geocentric(source.ellipsoid, geographic);
     }
     if (!sameEllipsoid) {
@@ -79,7 +85,9 @@ Status transform_point(const Point& point, const Side& source, const Side& targe
                 return converted;
             }
         }
-        reached = geographic_to_target(geographic);
+        if (const Status written = geographic_to_target(target, geographic, reached); written != status::ok) {
+            return written;
+        }
     }
 
     const auto finite = [](double value) { return std::isfinite(value); };

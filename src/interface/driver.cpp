@@ -24,7 +24,7 @@ Status read_system(const DefinitionRecord& definition, int code, Column column, 
 }
 
 Side side_of(const SystemDescription& system) noexcept {
-    return {system.projectionKind.view(), system.ellipsoidName.view(), system.parameters};
+    return {system.projectionKind.view(), system.ellipsoidName.view(), system.parameters, system.zoneNumber};
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // The seven exported functions: across the boundary, call inside, and back.
 #include <algorithm>
 #include <cstddef>
-#include <span>
 
 #include "base/system_description.h"
 #include "datafiles/definition_file.h"
@@ -117,16 +116,16 @@ int translD_dll(const lagestatus_char* dataDir, int* scrambled, int* count, int*
 
 int transr_dll(const double* point, const lagestatus_char* sourceKind, const lagestatus_char* targetKind,
                double* result, const lagestatus_char* sourceEllipsoid, const double* sourceParameters,
-               const lagestatus_char* targetEllipsoid, const double* targetParameters, int /*zoneNumber*/,
+               const lagestatus_char* targetEllipsoid, const double* targetParameters, int zoneNumber,
                int sourceHeightFlag, int targetHeightFlag, const lagestatus_char* /*dataDir*/) {
     const auto sourceKindText = narrow_cut<kindSize>(sourceKind);
     const auto targetKindText = narrow_cut<kindSize>(targetKind);
     const auto sourceEllipsoidText = narrow_cut<ellipsoidSize>(sourceEllipsoid);
     const auto targetEllipsoidText = narrow_cut<ellipsoidSize>(targetEllipsoid);
     const Side source(sourceKindText.view(), sourceEllipsoidText.view(),
-                      std::span<const double, parameterCount>(sourceParameters, parameterCount));
+                      Parameters(sourceParameters, parameterCount));
     const Side target(targetKindText.view(), targetEllipsoidText.view(),
-                      std::span<const double, parameterCount>(targetParameters, parameterCount));
+                      Parameters(targetParameters, parameterCount), zoneNumber);
     const HeightFlags heights = {.sourceIsNormal = sourceHeightFlag == flagSet,
                                  .targetWantsNormal = targetHeightFlag == flagSet};
     Result reached = {};

@@ -92,8 +92,7 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, Ge
     const double e = std::sqrt(series.e2);
 
     const double u = ((y / a) / A) / o;
-    const double m =
-        (((A * (o * a)) * phi0 + x) - std::sin(phi0 * 2.0) * (((o * a) * 0.5) * B0)) / a / A / o;
+    const double m = (((A * (o * a)) * phi0 + x) - std::sin(phi0 * 2.0) * (((o * a) * 0.5) * B0)) / a / A / o;
     Place at = {m, u, std::exp(u * 2.0), std::exp(u * -2.0)};
     double sin2Zr = std::sin(m * 2.0);
     double cos2Zr = std::cos(m * 2.0);
@@ -116,16 +115,14 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, Ge
         const double F = std::exp(Zi * 2.0);
         const double Fm = std::exp(Zi * -2.0);
         at = {Zr, Zi, F, Fm};
-        const double ZrNew =
-            (sin2Zr * (Fm + F) * Br * 0.25 / A + m) - cos2Zr * (F - Fm) * Bi * 0.25 / A;
-        sin2Zr = std::sin(ZrNew * 2.0);
-        cos2Zr = std::cos(ZrNew * 2.0);
-        const double ZiNew =
-            (sin2Zr * (Fm + F) * Bi * 0.25 / A + u) + cos2Zr * (F - Fm) * Br * 0.25 / A;
-        dRe = std::fabs(ZrNew - Zr);
-        dIm = std::fabs(ZiNew - Zi);
-        Zr = ZrNew;
-        Zi = ZiNew;
+        const double newZr = (sin2Zr * (Fm + F) * Br * 0.25 / A + m) - cos2Zr * (F - Fm) * Bi * 0.25 / A;
+        sin2Zr = std::sin(newZr * 2.0);
+        cos2Zr = std::cos(newZr * 2.0);
+        const double newZi = (sin2Zr * (Fm + F) * Bi * 0.25 / A + u) + cos2Zr * (F - Fm) * Br * 0.25 / A;
+        dRe = std::fabs(newZr - Zr);
+        dIm = std::fabs(newZi - Zi);
+        Zr = newZr;
+        Zi = newZi;
     }
 
     const double ep = std::exp(Zi);

@@ -42,11 +42,7 @@ struct ComplexLatitude {
 // A complex latitude with what the next one is made of.
 struct Stage : ComplexLatitude {
     explicit Stage(const ComplexLatitude& Z) noexcept
-        : ComplexLatitude(Z),
-          sinZr(std::sin(Zr)),
-          cosZr(std::cos(Zr)),
-          Ep(std::exp(Zi)),
-          Em(std::exp(-Zi)) {}
+        : ComplexLatitude(Z), sinZr(std::sin(Zr)), cosZr(std::cos(Zr)), Ep(std::exp(Zi)), Em(std::exp(-Zi)) {}
 
     double sinZr, cosZr;
     double Ep, Em;  // e^Zi, e^-Zi
@@ -80,7 +76,8 @@ struct Isometric {
 }
 
 // One step of the iteration, for the point (q, l): w + e artanh(e sin Z).
-[[gnu::always_inline]] inline Isometric next_isometric(const Stage& Z, double e, double q, double l) noexcept {
+[[gnu::always_inline]] inline Isometric next_isometric(const Stage& Z, double e, double q,
+                                                       double l) noexcept {
     const double ee = e * e;
     const double Ch = Z.F + Z.Fm;
     const double U = Z.sinZr * ee * Z.sinZr * (Ch + 2.0) * 0.25;
@@ -244,17 +241,15 @@ int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0
         const Stage before(Z);
         Z = latitude_of(next_isometric(before, e, q, l));
 
-        const auto coordinates = [&] {
-            return arc_at(Z, ArcSum(before, terms, last), terms.S[last], K0);
-        };
+        const auto coordinates = [&] { return arc_at(Z, ArcSum(before, terms, last), terms.S[last], K0); };
         const Coordinates quick = quick_arc_at(Z, before, terms, last, K0);
         const bool sure = std::fabs(Z.Zi) < 1.0 && std::fabs(Z.Zr - before.Zr) < shortStep &&
                           std::fabs(Z.Zi - before.Zi) < shortStep;
         const auto ends = settles_surely(quickOld, quick, tolCoord, sureOld && sure ? margin : infinity);
         if (!ends) {
-            const Coordinates old = n == 2 ? Coordinates()
-                                           : arc_at(before, ArcSum(Stage(beforeOld), terms, last - 1),
-                                                    terms.S[last - 1], K0);
+            const Coordinates old =
+                n == 2 ? Coordinates()
+                       : arc_at(before, ArcSum(Stage(beforeOld), terms, last - 1), terms.S[last - 1], K0);
             reached = coordinates();
             ended = settles(old, reached, tolCoord);
         } else if (*ends) {

@@ -134,17 +134,16 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
     }
 
     const double phiF = std::atan(std::tan(arcs.betaF) / r);
-    double BF = 0.0;
-    if (!series.meridian_arc(phiF, tolSeries, BF)) {
+    double Bf = 0.0;
+    if (!series.meridian_arc(phiF, tolSeries, Bf)) {
         return status::geoToSoldnerFootpointArc;
     }
-    const double x = (K1 * phiF - std::sin(phiF * 2.0) * (K2 * BF)) - G0;
+    const double x = (K1 * phiF - std::sin(phiF * 2.0) * (K2 * Bf)) - G0;
     if (!(std::fabs(l) >= nearMeridian)) {
         const double c = std::cos(phi);
         const double L2 = ((l * c) * l) * c;
         const double N = ((a / b) * a) / std::sqrt(((c * c) * e2) / o + 1.0);
-        y = ((N * l) * c) *
-            (1.0 - ((((8.0 - tPhi * tPhi) * L2) / 20.0 + 1.0) * ((tPhi * L2) * tPhi)) / 6.0);
+        y = ((N * l) * c) * (1.0 - ((((8.0 - tPhi * tPhi) * L2) / 20.0 + 1.0) * ((tPhi * L2) * tPhi)) / 6.0);
     }
     if (!std::isfinite(y) || !std::isfinite(x)) {
         return status::geoToSoldnerFootpoint;

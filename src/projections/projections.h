@@ -4,8 +4,8 @@
 // from. Angles are radians, north and east positive; lengths metres. A routine returns a status and writes its two
 // results on success only: every loop has a limit of 100 passes with a status of its own, and results that are not
 // finite are never a success. No argument is checked. "Truth" is what GeographicLib gives (TransverseMercatorExact,
-// Geodesic); docs/accuracy.md shows the whole domain. The statements of accuracy are for the tolerances given here,
-// and for ellipsoids like the Earth's.
+// Geodesic); docs/accuracy.md shows the whole domain. The statements of accuracy are for the tolerances
+// of the pipeline (plane_systems.cpp) and for ellipsoids like the Earth's.
 #pragma once
 
 #include <array>
@@ -13,12 +13,6 @@
 #include "base/status.h"
 
 namespace lagestatus {
-
-// What the pipeline passes.
-inline constexpr double tolSeriesUsual = 1e-12;  // terms of the ellipsoid's series, plain numbers
-inline constexpr double tolAngleUsual = 1e-10;   // iterations on angles and sines, radians
-inline constexpr double tolLengthUsual = 1e-4;   // arcs of the Soldner routines, metres
-inline constexpr double tolCoordUsual = 1e-4;    // Gauss-Krueger coordinates, metres
 
 using PlaneResult = std::array<double, 2>;       // y (easting), x (northing)
 using GeographicResult = std::array<double, 2>;  // latitude, longitude

@@ -121,8 +121,7 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
             return status::soldnerToGeoLongitude;
         }
         g = binomial_root(g, e2, k);
-        t = ((sigma1 * cf) * g) * geodesic.P(k - 1) -
-            (((s2 * cf) * g) * geodesic.Q(k - 1, sine_power)) * 0.5;
+        t = ((sigma1 * cf) * g) * geodesic.P(k - 1) - (((s2 * cf) * g) * geodesic.Q(k - 1, sine_power)) * 0.5;
         omega += t;
     }
     double quarter = halfPi;  // longitude of the footpoint from the node

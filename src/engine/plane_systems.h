@@ -1,0 +1,25 @@
+// Soldner and Gauss-Krueger systems: from their coordinates to latitude and longitude and back.
+#pragma once
+
+#include "base/status.h"
+#include "engine/side.h"
+
+namespace lagestatus {
+
+// Given:    source   a Soldner or Gauss-Krueger system
+//           point    in it; the height passes through
+// Returned: result   latitude and longitude in radians, and the height; written on success only
+//           status   0; 201 to 208 (Soldner) or 301 to 305 (Gauss-Krueger), projections.h
+//
+// The zone of a Gauss-Krueger point stands in the millions of its easting, the additive constant counted back in. With
+// one meridian it is cut off and moves nothing.
+[[nodiscard]] Status plane_to_geographic(const Side& source, const Point& point, Geographic& result) noexcept;
+
+// Given:    target   a Soldner or Gauss-Krueger system; a Gauss-Krueger system must have zones
+//           point    latitude and longitude in radians; the height passes through
+// Returned: result   in the target system; written on success only
+//           status   0; 14 no zone of the target can be numbered for this longitude; 401 to 405 (Soldner) or 501 to 503
+//                    (Gauss-Krueger), projections.h
+[[nodiscard]] Status geographic_to_plane(const Side& target, const Geographic& point, Point& result) noexcept;
+
+}  // namespace lagestatus

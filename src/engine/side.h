@@ -1,0 +1,40 @@
+// One side of a transformation.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include "base/projection_kind.h"
+#include "engine/geocentric.h"
+#include "engine/plane_reductions.h"
+#include "engine/zones.h"
+
+namespace lagestatus {
+
+// First coordinate, second coordinate, height: northing X, easting Y and height in metres; latitude and
+// longitude in degrees and height in metres; or geocentric X, Y, Z in metres.
+using Point = std::array<double, 3>;
+
+// Built once per call. The texts and parameters belong to the caller.
+struct Side {
+    // zoneNumber is looked at for a Gauss-Krueger target with one meridian only.
+    Side(std::string_view kindText, std::string_view ellipsoidText, Parameters parameterArray,
+         int zone = 0) noexcept
+        : kind(projection_kind(kindText)),
+          ellipsoidName(ellipsoidText),
+          bessel(ellipsoidText.starts_with("Bessel")),
+          parameters(parameterArray),
+          ellipsoid{parameterArray[slot::semiMajorAxis], parameterArray[slot::semiMinorAxis]},
+          zones(decode_longitude_of_origin(parameterArray[slot::longitudeOfOrigin])),
+          zoneNumber(zone) {}
+
+    ProjectionKind kind;
+    std::string_view ellipsoidName;
+    bool bessel;  // lies in the Bessel datum, the hub of all datum transformations
+    Parameters parameters;
+    Ellipsoid ellipsoid;
+    ZoneLayout zones;
+    int zoneNumber;
+};
+
+}  // namespace lagestatus
