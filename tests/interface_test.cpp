@@ -82,7 +82,7 @@ TEST(Driver, StopsAtTheFirstFailureAndTellsHowFarItCame) {
     };
     system("17", 3, "\"GRS80\"");
     system("20", 3, "\"Bessel\"", 30);
-    system("21", 4, "\"Soldner\"");
+    system("21", 4, "\"Gauss-Krueger\"");
     system("22", 3, "\"Bessel\"");
     system("23", 4, "\"Geozentrisch.\"");
     directory.write("DEFAULT",

@@ -5,15 +5,47 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <filesystem>
+#include <initializer_list>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "engine/geocentric.h"
 #include "interface/lagestatus.h"
 
 namespace testing_support {
+
+inline constexpr double infinity = std::numeric_limits<double>::infinity();
+inline constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+// The largest of some deviations; one that is not a number counts as infinite.
+class Largest {
+  public:
+    void add(std::initializer_list<double> deviations) {
+        for (const double deviation : deviations) {
+            value = std::isnan(deviation) ? infinity : std::max(value, std::fabs(deviation));
+        }
+    }
+    [[nodiscard]] double get() const { return value; }
+
+  private:
+    double value = 0;
+};
+
+struct NamedEllipsoid {
+    const char* name;
+    double a;
+    double inverseFlattening;
+    [[nodiscard]] lagestatus::Ellipsoid axes() const { return {a, a * (1 - 1 / inverseFlattening)}; }
+};
+inline constexpr NamedEllipsoid ellipsoids[] = {{"Bessel", 6377397.155, 299.1528128},
+                                                {"GRS80", 6378137.0, 298.257222101},
+                                                {"Krassowski", 6378245.0, 298.3}};
 
 // The rows of a file in tests/data, one case a line, fields separated by tabs. Behind a backslash stand n r t
 // v f or x and two hexadecimal digits; {c*100} is the character c a hundred times. Lines that begin with #

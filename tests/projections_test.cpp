@@ -1,0 +1,378 @@
+// The projections, and the reductions and zones around them, against independent answers.
+#include "projections/projections.h"
+
+#include <GeographicLib/CassiniSoldner.hpp>
+#include <GeographicLib/Geodesic.hpp>
+#include <GeographicLib/TransverseMercatorExact.hpp>
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <random>
+
+#include "base/angles.h"
+#include "base/int_cast.h"
+#include "engine/plane_reductions.h"
+#include "engine/zones.h"
+#include "projections_as_written.h"
+#include "support.h"
+
+using namespace testing_support;
+using namespace lagestatus;
+
+namespace {
+
+using Pair = std::array<double, 2>;
+
+struct Tolerances {
+    double coord = 1e-4, angle = 1e-10, length = 1e-4, series = 1e-12;  // those of the pipeline
+};
+
+// One call of any of the four: latitude and longitude or y and x, and the origin.
+struct Call {
+    double a, b, first, second, phi0, lam0;
+    Tolerances tol = {};
+};
+
+struct Routine {
+    std::function<int(const Call&, Pair&)> library, asWritten;
+};
+
+const std::map<std::string, Routine> routines = {
+    {"geo_to_gauss_krueger",
+     {[](const Call& c, Pair& r) {
+          return geo_to_gauss_krueger(c.a, c.b, c.first, c.second, c.phi0, c.lam0, r, c.tol.coord,
+                                      c.tol.series);
+      },
+      [](const Call& c, Pair& r) {
+          return as_written::geo_to_gauss_krueger(c.a, c.b, c.first, c.second, c.phi0, c.lam0, r, c.tol.coord,
+                                                  c.tol.series);
+      }}},
+    {"gauss_krueger_to_geo",
+     {[](const Call& c, Pair& r) {
+          return gauss_krueger_to_geo(c.a, c.b, c.first, c.second, c.phi0, r, c.tol.angle, c.tol.series);
+      },
+      [](const Call& c, Pair& r) {
+          return as_written::gauss_krueger_to_geo(c.a, c.b, c.first, c.second, c.phi0, r, c.tol.angle,
+                                                  c.tol.series);
+      }}},
+    {"geo_to_soldner",
+     {[](const Call& c, Pair& r) {
+          return geo_to_soldner(c.a, c.b, c.first, c.second, c.phi0, c.lam0, r, c.tol.angle, c.tol.length,
+                                c.tol.series);
+      },
+      [](const Call& c, Pair& r) {
+          return as_written::geo_to_soldner(c.a, c.b, c.first, c.second, c.phi0, c.lam0, r, c.tol.angle,
+                                            c.tol.length, c.tol.series);
+      }}},
+    {"soldner_to_geo",
+     {[](const Call& c, Pair& r) {
+          return soldner_to_geo(c.a, c.b, c.first, c.second, c.phi0, c.lam0, r, c.tol.angle, c.tol.length,
+                                c.tol.series);
+      },
+      [](const Call& c, Pair& r) {
+          return as_written::soldner_to_geo(c.a, c.b, c.first, c.second, c.phi0, c.lam0, r, c.tol.angle,
+                                            c.tol.length, c.tol.series);
+      }}},
+};
+
+constexpr Pair unwritten = {untouched, untouched};
+
+struct Outcome {
+    int status;
+    std::array<std::uint64_t, 2> bits;
+    bool operator==(const Outcome&) const = default;
+};
+
+Outcome outcome(const std::function<int(const Call&, Pair&)>& routine, const Call& call) {
+    Pair res = unwritten;
+    const int status = routine(call, res);
+    return {status, std::bit_cast<std::array<std::uint64_t, 2>>(res)};
+}
+
+TEST(Projections, AgreeWithGeographicLib) {
+    // What the formulas reach with the pipeline's tolerances, in metres on the ground; docs/accuracy.md.
+    constexpr double tolKruegerForward = 0.1e-6;
+    constexpr double tolKruegerInverse = 5e-6;
+    constexpr double tolSoldnerX = 0.1e-6;
+    constexpr double tolSoldnerLatitude = 5e-6;
+    // y and longitude of Soldner: near the meridian the arc cosine loses digits.
+    constexpr double nearMeridian = 0.05;  // degrees
+    constexpr double tolSoldnerNear = 0.3e-3;
+    constexpr double tolSoldnerFar = 0.05e-3;
+    // There and back, radians.
+    constexpr double tolKruegerBack = 1e-12;
+    constexpr double tolSoldnerBack = 1e-10;
+
+    const double lat0 = 50;
+    const double lon0 = 9;
+    std::vector<double> distances = {0, 1e-5, 1e-4, 0.001, 0.0028, 0.00287, 0.003, 0.004, 0.01, 0.02, 0.04};
+    for (double distance = nearMeridian; distance < 4.01; distance += 0.113) {
+        distances.push_back(distance);
+    }
+    Largest krueger, kruegerBack, kruegerThereAndBack, x, latitude, near, far, soldnerThereAndBack;
+    for (const NamedEllipsoid& e : ellipsoids) {
+        const auto [a, b] = e.axes();
+        const GeographicLib::TransverseMercatorExact mercator(e.a, 1 / e.inverseFlattening, 1.0);
+        const GeographicLib::Geodesic geodesic(e.a, 1 / e.inverseFlattening);
+        const GeographicLib::CassiniSoldner cassini(lat0, lon0, geodesic);
+        for (double lat = 46; lat <= 56; lat += 0.5) {
+            for (std::size_t number = 0; number < 2 * distances.size(); ++number) {
+                const double distance = distances[number / 2] * (number % 2 == 0 ? 1 : -1);
+                const double lon = lon0 + distance;
+                const Pair given = {lat * degree, lon * degree};
+                const double alongParallel = a * std::cos(given[0]);
+                Pair res = unwritten;
+                Pair back = unwritten;
+                double easting = 0, northing = 0;
+
+                mercator.Forward(lon0, lat, lon, easting, northing);
+                ASSERT_EQ(geo_to_gauss_krueger(a, b, given[0], given[1], 0, lon0 * degree, res, 1e-4, 1e-12),
+                          0);
+                krueger.add({res[0] - easting, res[1] - northing});
+                ASSERT_EQ(gauss_krueger_to_geo(a, b, res[0], res[1], 0, back, 1e-10, 1e-12), 0);
+                kruegerThereAndBack.add({back[0] - given[0], back[1] + lon0 * degree - given[1]});
+                ASSERT_EQ(gauss_krueger_to_geo(a, b, easting, northing, 0, back, 1e-10, 1e-12), 0);
+                kruegerBack.add({(back[0] - given[0]) * a, (back[1] - distance * degree) * alongParallel});
+
+                Largest& yOrLongitude = std::fabs(distance) < nearMeridian ? near : far;
+                const double phi0 = lat0 * degree;
+                const double lam0 = lon0 * degree;
+                cassini.Forward(lat, lon, easting, northing);
+                ASSERT_EQ(geo_to_soldner(a, b, given[0], given[1], phi0, lam0, res, 1e-10, 1e-4, 1e-12), 0);
+                yOrLongitude.add({res[0] - easting});
+                x.add({res[1] - northing});
+                ASSERT_EQ(soldner_to_geo(a, b, res[0], res[1], phi0, lam0, back, 1e-10, 1e-4, 1e-12), 0);
+                soldnerThereAndBack.add({back[0] - given[0], back[1] - given[1]});
+                ASSERT_EQ(soldner_to_geo(a, b, easting, northing, phi0, lam0, back, 1e-10, 1e-4, 1e-12), 0);
+                latitude.add({(back[0] - given[0]) * a});
+                yOrLongitude.add({(back[1] - given[1]) * alongParallel});
+            }
+        }
+    }
+    EXPECT_LT(krueger.get(), tolKruegerForward);
+    EXPECT_LT(kruegerBack.get(), tolKruegerInverse);
+    EXPECT_LT(kruegerThereAndBack.get(), tolKruegerBack);
+    EXPECT_LT(x.get(), tolSoldnerX);
+    EXPECT_LT(latitude.get(), tolSoldnerLatitude);
+    EXPECT_LT(near.get(), tolSoldnerNear);
+    EXPECT_LT(far.get(), tolSoldnerFar);
+    EXPECT_LT(soldnerThereAndBack.get(), tolSoldnerBack);
+    const std::pair<const char*, double> worst[] = {{"krueger", krueger.get()},
+                                                    {"krueger_inverse", kruegerBack.get()},
+                                                    {"krueger_there_and_back", kruegerThereAndBack.get()},
+                                                    {"soldner_x", x.get()},
+                                                    {"soldner_latitude", latitude.get()},
+                                                    {"soldner_near", near.get()},
+                                                    {"soldner_far", far.get()},
+                                                    {"soldner_there_and_back", soldnerThereAndBack.get()}};
+    for (const auto& [name, value] : worst) {
+        RecordProperty(name, (std::ostringstream() << value).str());
+    }
+}
+
+TEST(Projections, HoldEveryBitOfTheFormulas) {
+    std::mt19937_64 random(1912);  // any number: the cases must repeat
+    const auto between = [&random](double low, double high) {
+        return std::uniform_real_distribution<double>(low, high)(random);
+    };
+    constexpr double hostile[] = {
+        0,        -0.0,      1,          -1,      1.5707963267948966, 3.2, 1e-300, 5e-324, 1e300, -1e300,
+        infinity, -infinity, notANumber, 6378137, 199.99999,          200, 1e10,   0.9,    5e-5,  1e-12,
+        99};
+    for (int number = 0; number < 6000; ++number) {
+        const bool wide = number % 3 == 1;
+        const auto [a, b] = ellipsoids[static_cast<std::size_t>(number) % 3].axes();
+        const double near = number % 8 == 0 ? 1.5e-5 : 1;  // the branches beside the meridian
+        const double phi0 = number % 5 < 2 ? 0 : between(-1.2, 1.2);
+        const double lam0 = between(-0.3, 0.3);
+        const double phi = wide ? between(-1.57, 1.57) : between(0.8, 0.98);
+        const double lam = lam0 + near * (wide ? between(-1.5, 1.5) : between(-0.07, 0.07));
+        Call geo = {a, wide ? a * between(0.6, 1.01) : b, phi, lam, phi0, lam0};
+        Call plane = geo;
+        plane.first = near * (wide ? between(-9e6, 9e6) : between(-3e5, 3e5));
+        plane.second = (wide ? between(-1e7, 1e7) : between(5e6, 6.2e6)) - phi0 * a;
+        if (number % 3 == 2 && number < 3000) {
+            for (Call* const call : {&geo, &plane}) {
+                double* const places[] = {
+                    &call->a,    &call->b,         &call->first,     &call->second,     &call->phi0,
+                    &call->lam0, &call->tol.coord, &call->tol.angle, &call->tol.length, &call->tol.series};
+                for (auto count = random() % 3 + 1; count > 0; --count) {
+                    *places[random() % std::size(places)] = hostile[random() % std::size(hostile)];
+                }
+            }
+        }
+        for (const auto& [name, routine] : routines) {
+            const Call& call = name.starts_with("geo") ? geo : plane;
+            ASSERT_EQ(outcome(routine.library, call), outcome(routine.asWritten, call))
+                << name << ' ' << call.a << ' ' << call.b << ' ' << call.first << ' ' << call.second << ' '
+                << call.phi0 << ' ' << call.lam0 << ' ' << call.tol.coord << ' ' << call.tol.angle << ' '
+                << call.tol.length << ' ' << call.tol.series;
+        }
+    }
+}
+
+// The library decides by quick coordinates that a pass does not end the loop: it must end in the same one wherever
+// the tolerance lies, closest to the change of a pass above all.
+TEST(Projections, EndInTheSamePassWhateverTheTolerance) {
+    const Routine& routine = routines.at("geo_to_gauss_krueger");
+    std::mt19937_64 random(7);
+    const auto between = [&random](double low, double high) {
+        return std::uniform_real_distribution<double>(low, high)(random);
+    };
+    int edges = 0;
+    for (int number = 0; number < 60; ++number) {
+        const double a = 6377397.155 * std::exp(number % 7 == 3 ? between(-20, 20) : 0);
+        Call call = {a,
+                     a * (number % 4 == 1 ? between(0.93, 1) : 0.99665),
+                     between(-1.55, 1.55),
+                     number % 2 == 0 ? between(-1, 1) : between(-0.07, 0.07),
+                     0,
+                     0};
+        const auto at = [&](double tolerance) {
+            call.tol.coord = tolerance;
+            const Outcome expected = outcome(routine.asWritten, call);
+            EXPECT_EQ(outcome(routine.library, call), expected) << ::testing::PrintToString(tolerance);
+            return expected;
+        };
+        double low = a * 1e-19;
+        for (double high = low * 3; low < 2 * a; low = high, high *= 3) {
+            const Outcome expected = at(low);
+            if (at(high) == expected) {
+                continue;
+            }
+            ++edges;
+            double left = low;
+            for (double right = high, middle = (left + right) / 2; left < middle && middle < right;
+                 middle = (left + right) / 2) {
+                (at(middle) == expected ? left : right) = middle;
+            }
+        }
+    }
+    EXPECT_GT(edges, 100);
+}
+
+TEST(Projections, FailWithTheStatusOfTheirLoop) {
+    std::map<int, int> met;
+    for (const Row& row : rows("projection_statuses.tsv")) {
+        SCOPED_TRACE(::testing::PrintToString(row));
+        const auto number = [&row](std::size_t field) { return std::stod(row[field]); };
+        const Call call = {6378137,
+                           6378137 * number(1),
+                           number(2),
+                           number(3),
+                           number(4),
+                           0,
+                           {number(5), number(5), number(6), number(7)}};
+        const Outcome reached = outcome(routines.at(row[0]).library, call);
+        EXPECT_EQ(reached.status, std::stoi(row[8]));
+        EXPECT_EQ(reached.bits == (std::bit_cast<std::array<std::uint64_t, 2>>(unwritten)),
+                  reached.status != 0);
+        ++met[reached.status];
+    }
+    EXPECT_EQ(met.size(), 1U + 8 + 5 + 5 + 3) << "every status of the four routines, and success";
+}
+
+TEST(Projections, AreExactWhereTheyCanBe) {
+    const auto [a, b] = ellipsoids[0].axes();
+    const double phi = 50 * degree;
+    const double lam0 = 9 * degree;
+    const auto expect_bits = [](const Pair& left, const Pair& right) {
+        EXPECT_EQ((std::bit_cast<std::array<std::uint64_t, 2>>(left)),
+                  (std::bit_cast<std::array<std::uint64_t, 2>>(right)))
+            << left[0] << ' ' << left[1];
+    };
+    Pair res = unwritten;
+    Pair mirrored = unwritten;
+    ASSERT_EQ(geo_to_gauss_krueger(a, b, phi, lam0, 0, lam0, res, 1e-4, 1e-12), 0);
+    expect_bits({res[0], 0}, {-0.0, 0});
+    const double arc = res[1];
+    ASSERT_EQ(geo_to_gauss_krueger(a, b, -phi, lam0, 0, lam0, res, 1e-4, 1e-12), 0);
+    EXPECT_NEAR(res[1], -arc, 1e-8);
+    ASSERT_EQ(gauss_krueger_to_geo(a, b, 0, arc, 0, res, 1e-10, 1e-12), 0);
+    expect_bits({res[1], 0}, {0, 0});
+    ASSERT_EQ(gauss_krueger_to_geo(a, b, 0, 0, 0, res, 1e-10, 1e-12), 0);
+    expect_bits(res, {0, 0});
+    // Another latitude of origin takes its arc from the northing.
+    ASSERT_EQ(geo_to_gauss_krueger(a, b, phi, 10 * degree, 0, lam0, res, 1e-4, 1e-12), 0);
+    ASSERT_EQ(geo_to_gauss_krueger(a, b, phi, 10 * degree, phi, lam0, mirrored, 1e-4, 1e-12), 0);
+    EXPECT_EQ(res[0], mirrored[0]);
+    EXPECT_NEAR(res[1] - arc, mirrored[1], 1e-7);
+
+    ASSERT_EQ(geo_to_soldner(a, b, phi, lam0, phi, lam0, res, 1e-10, 1e-4, 1e-12), 0);
+    expect_bits({res[0], 0}, {0, 0});
+    EXPECT_NEAR(res[1], 0, 1e-8);
+    ASSERT_EQ(geo_to_soldner(a, b, phi, 10 * degree, phi, lam0, res, 1e-10, 1e-4, 1e-12), 0);
+    ASSERT_EQ(geo_to_soldner(a, b, phi, 8 * degree, phi, lam0, mirrored, 1e-10, 1e-4, 1e-12), 0);
+    expect_bits(mirrored, {-res[0], res[1]});
+    // On the meridian the longitude is that of the origin, also where x leaves it.
+    for (const double x : {0.0, 111232.0}) {
+        ASSERT_EQ(soldner_to_geo(a, b, 0, x, phi, lam0, res, 1e-10, 1e-4, 1e-12), 0);
+        expect_bits({res[1], 0}, {lam0, 0});
+    }
+    // Both branches beside the meridian meet.
+    ASSERT_EQ(soldner_to_geo(a, b, std::nextafter(200, 0), 0, phi, lam0, res, 1e-10, 1e-4, 1e-12), 0);
+    ASSERT_EQ(soldner_to_geo(a, b, 200, 0, phi, lam0, mirrored, 1e-10, 1e-4, 1e-12), 0);
+    EXPECT_NE(res[1], mirrored[1]);
+    EXPECT_NEAR(res[1], mirrored[1], 1e-9);
+}
+
+TEST(Truncation, IsDefinedForEveryDouble) {
+    const std::pair<double, std::optional<int>> cases[] = {
+        {2.999, 2},          {-2.999, -2},
+        {-0.5, 0},           {2147483647.9, 2147483647},
+        {2147483648.0, {}},  {-2147483648.9, -2147483647 - 1},
+        {-2147483649.0, {}}, {1e300, {}},
+        {notANumber, {}},    {-infinity, {}}};
+    for (const auto& [value, expected] : cases) {
+        EXPECT_EQ(truncated(value), expected) << value;
+    }
+}
+
+TEST(Zones, FollowTheirLayout) {
+    for (const Row& row : rows("zones.tsv")) {
+        SCOPED_TRACE(::testing::PrintToString(row));
+        const ZoneLayout layout = decode_longitude_of_origin(std::stod(row[0]));
+        EXPECT_EQ((std::array{layout.width, layout.offset}),
+                  (std::array<std::int64_t, 2>{std::stoll(row[1]), std::stoll(row[2])}));
+        EXPECT_EQ(layout.has_no_zones(), row[4] == "none");
+        if (row[4] != "none") {
+            const auto zone = target_zone(layout, std::stod(row[3]) * degree, 77);
+            ASSERT_EQ(zone.has_value(), row[4] != "14");
+            if (zone) {
+                EXPECT_EQ(zone->number, std::stoi(row[4]));
+                EXPECT_EQ(zone->meridian, std::stod(row[5]) * degree);
+            }
+        }
+    }
+}
+
+// Sets "slot=value ..." in a neutral parameter array.
+ParameterArray plane_parameters(const std::string& settings) {
+    ParameterArray p = {};
+    p[slot::planeScale] = p[slot::meridianScale] = 1;
+    std::istringstream text(settings);
+    for (std::string setting; text >> setting;) {
+        p[std::stoul(setting)] = std::stod(setting.substr(setting.find('=') + 1));
+    }
+    return p;
+}
+
+TEST(PlaneReductions, GoThereAndBack) {
+    for (const Row& row : rows("plane_reductions.tsv")) {
+        SCOPED_TRACE(::testing::PrintToString(row));
+        const ParameterArray p = plane_parameters(row[0]);
+        const auto number = [&row](std::size_t field) { return std::stod(row[field]); };
+        const PlanePoint inside = reduce_to_projection(p, {number(2), number(1)});
+        EXPECT_DOUBLE_EQ(inside.easting, number(3));
+        EXPECT_DOUBLE_EQ(inside.northing, number(4));
+        const PlanePoint written = reduce_to_system(p, {number(4), number(3)});
+        EXPECT_DOUBLE_EQ(written.easting, number(5));
+        EXPECT_DOUBLE_EQ(written.northing, number(6));
+    }
+}
+
+}  // namespace
