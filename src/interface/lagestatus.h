@@ -17,12 +17,17 @@
  *     Gauss-Krueger    northing X, metres       easting Y, metres         height, metres
  *     Soldner          northing X, metres       easting Y, metres         height, metres
  *
- *   result[3] is the normal height where one is computed, else the height given.
- *   This version carries geographic and geocentric systems, with ellipsoidal heights: a Gauss-Krueger or Soldner
- *   system as source or target gives status 12, a normal height that would have to be corrected gives 1110, and
- *   result[3] is always the height given.
- *   A longitude that is computed lies between -90 and 90 degrees; points beyond come back mirrored (as
- *   180 - longitude in the east, -180 - longitude in the west).
+ *   result[3] is the normal height where one is computed, else the height given. This version carries ellipsoidal
+ *   heights: a normal height that would have to be corrected gives 1110, and result[3] is always the height given.
+ *   A longitude that comes out of a datum transformation lies between -90 and 90 degrees; points beyond come back
+ *   mirrored (as 180 - longitude in the east, -180 - longitude in the west).
+ *
+ *   Plane coordinates are those that the system itself writes, with all its constants. A Gauss-Krueger easting has
+ *   the number of its strip in the millions: 3566003.66 lies 66003.66 m east of the central meridian of strip 3, if
+ *   the additive constant is 500000. A system may be a whole family of strips (a longitude of origin above 360): the
+ *   strip of a source is read from the easting, that of a target is the one whose central meridian is nearest. A
+ *   system with a decadic complement d writes a small negative value as d + value.
+ *   How accurate the projections are, and how far from the central meridian: docs/accuracy.md.
  *
  * Texts
  *   lagestatus_char is a 16-bit code unit; every text ends with a zero unit. Inside, all text is 8-bit: a unit
@@ -52,7 +57,13 @@
  *     1, 2, 600 to 799       definition file DEFAULT
  *     7 to 48, 70 to 89      parameter file
  *     100                    one of these ends, or cannot be read, before the line that is due
- *     12                     from the pipeline: a projection kind that is not carried
+ *     12                     from the pipeline: a kind of projection that there is not
+ *     14                     from the pipeline: a Gauss-Krueger target whose longitude of origin gives it no strip
+ *                            (0, or a layout of width 0), or none that 32 bits can number for this longitude
+ *     201 to 208             Soldner to geographic: a loop does not settle; 206 also: no finite result
+ *     301 to 305             Gauss-Krueger to geographic; likewise 304
+ *     401 to 405             geographic to Soldner; likewise 403
+ *     501 to 503             geographic to Gauss-Krueger; likewise 501
  *     90                     no finite coordinates (arguments that are not finite, parameters that lead nowhere;
  *                            on the way to latitude and longitude points on the earth's axis)
  *     93                     a code is not listed in DEFAULT
@@ -65,8 +76,8 @@
  * Not promised
  *   The parameters passed to transr_dll are used unchanged and unchecked. A data file that is being written while
  *   a call reads it gives a status or the result of what was read.
- *   The same inputs give the same bits on the same machine with the same C library; the functions sin, cos, asin
- *   and atan of another one may differ in the last bit.
+ *   The same inputs give the same bits on the same machine with the same C library; the mathematical
+ *   functions of another one may differ in the last bit.
  */
 #ifndef LAGESTATUS_H
 #define LAGESTATUS_H
@@ -118,7 +129,7 @@ LAGESTATUS_API int test_dll(double a, double b, double c, double* out);
  *           auxiliary    2 ints: the auxiliary numbers of both entries in DEFAULT; -1 where there is none or the
  *                        entry was not reached
  *           status       0; of DEFAULT 1, 2, 100, 600 to 799; 93; of the source's file 7 to 48, 100; of the
- *                        target's 7 to 28, 70 to 89, 100; then 12, 90, 1110
+ *                        target's 7 to 28, 70 to 89, 100; then those of transr_dll
  *
  * The files are read in the order DEFAULT, source, target; the first failure ends the call.
  */
@@ -144,7 +155,8 @@ LAGESTATUS_API int trans_dll(double coord1, double coord2, double height, int so
  * The parameter array, which a caller may keep and pass to transr_dll later; lengths in metres:
  *
  *     0            latitude of origin, radians
- *     1            longitude of origin, degrees; above 360 a coded zone layout
+ *     1            longitude of origin, degrees; above 360 a layout of strips: 600 + offset, and the width in degrees
+ *                  as the tenths digit; strip z has the central meridian width z + offset
  *     2, 3         second shift in Y, in X
  *     4            decadic complement (0: not used)
  *     5            scale of the meridian, a plain factor
@@ -209,14 +221,16 @@ LAGESTATUS_API int translD_dll(const lagestatus_char* dataDir, int* scrambled, i
  *                        36 doubles as from transla_dll
  *           targetParameters
  *                        36 doubles as from translz_dll
- *           zoneNumber   of the target, as from translz_dll
+ *           zoneNumber   of the target, as from translz_dll; written before the easting of a Gauss-Krueger target
+ *                        with one meridian, not used for any other
  *           sourceHeightFlag
  *                        -1: point[2] is a normal height; any other value: ellipsoidal
  *           targetHeightFlag
  *                        -1: a normal height is wanted in result[3]; to be set for targets that are not geocentric
  *           dataDir      where the height model lies; at most 299 characters
  * Returned: result       4 doubles; may be the same memory as point. After a failure 0.0, 0.0, 0.0 and point[2]
- *           status       0; 12 a kind that is not carried; 90 no finite coordinates; 1110 height model needed
+ *           status       0; 12, 14, 90, 201 to 208, 301 to 305, 401 to 405, 501 to 503 (see above); 1110 height
+ *                        model needed
  */
 LAGESTATUS_API int transr_dll(const double* point, const lagestatus_char* sourceKind,
                               const lagestatus_char* targetKind, double* result,

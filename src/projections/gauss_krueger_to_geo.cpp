@@ -142,12 +142,12 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, Ge
     double l = r1 != 0.0 ? std::atan(j1 / r1) * 0.5 : pi * 0.25;
     l = r2 != 0.0 ? l - std::atan(j2 / r2) * e * 0.5 : l - e * pi * 0.25;
 
-    const auto tanh_of = [](double isometric) {
+    const auto tanhOf = [](double isometric) {
         const double grown = std::exp(isometric);
         const double shrunk = std::exp(-isometric);
         return (grown - shrunk) / (shrunk + grown);
     };
-    double t = tanh_of(q);
+    double t = tanhOf(q);
     double tOld = 0.0;
     int steps = 0;
     do {
@@ -155,7 +155,7 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, Ge
             return status::kruegerToGeoPhi;
         }
         tOld = t;
-        t = tanh_of(std::log((t * e + 1.0) / (1.0 - t * e)) * (e * 0.5) + q);
+        t = tanhOf(std::log((t * e + 1.0) / (1.0 - t * e)) * (e * 0.5) + q);
     } while (std::fabs(t - tOld) > tolAngle);
 
     const double phi = std::asin(t);

@@ -222,15 +222,15 @@ int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0
     Z = latitude_of(next_isometric(Stage(Z), e, q, l));
 
     // The coordinates of a pass are needed where the loop ends, and before that only to see that it goes on. That the
-    // quick ones tell as well, with a margin hundreds of times their difference to the others; where they cannot,
-    // the others decide.
+    // quick ones tell as well, with a margin hundreds of times their difference to the exact ones; within the margin
+    // the exact ones decide.
     constexpr double shortStep = 3e-5;  // its cube times a lies far within the margin
     const double margin = e2 >= 0.0 && e2 < 0.1 ? std::fabs(a) * 1e-12 : infinity;
     Recurrence terms(e2);
     Coordinates reached;
     Coordinates quickOld;
-    bool sureOld = true;
     ComplexLatitude beforeOld = Z;
+    bool sureOld = true;
     bool ended = !(firstChange > tolCoord);
     for (int n = 2; !ended; ++n) {
         if (n > maxPasses) {
@@ -238,27 +238,27 @@ int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0
         }
         const auto last = static_cast<std::size_t>(n) - 1;
         terms.extend_to(last);
-        const Stage before(Z);
+        const ComplexLatitude start = Z;
+        const Stage before(start);
         Z = latitude_of(next_isometric(before, e, q, l));
 
-        const auto coordinates = [&] { return arc_at(Z, ArcSum(before, terms, last), terms.S[last], K0); };
         const Coordinates quick = quick_arc_at(Z, before, terms, last, K0);
         const bool sure = std::fabs(Z.Zi) < 1.0 && std::fabs(Z.Zr - before.Zr) < shortStep &&
                           std::fabs(Z.Zi - before.Zi) < shortStep;
         const auto ends = settles_surely(quickOld, quick, tolCoord, sureOld && sure ? margin : infinity);
-        if (!ends) {
-            const Coordinates old =
-                n == 2 ? Coordinates()
-                       : arc_at(before, ArcSum(Stage(beforeOld), terms, last - 1), terms.S[last - 1], K0);
-            reached = coordinates();
-            ended = settles(old, reached, tolCoord);
-        } else if (*ends) {
-            reached = coordinates();
-            ended = true;
+        if (ends.value_or(true)) {
+            const auto exactOld = [&]() -> Coordinates {
+                if (n == 2) {
+                    return {};
+                }
+                return arc_at(start, ArcSum(Stage(beforeOld), terms, last - 1), terms.S[last - 1], K0);
+            };
+            reached = arc_at(Z, ArcSum(before, terms, last), terms.S[last], K0);
+            ended = ends.has_value() || settles(exactOld(), reached, tolCoord);
         }
         quickOld = quick;
         sureOld = sure;
-        beforeOld = before;
+        beforeOld = start;
     }
 
     double x = phi0 + (reached.X - phi0);

@@ -76,7 +76,7 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
 
     std::array<double, maxPasses> sinePowers;  // sin^(2j) beta d_j, as far as known
     std::size_t known = 0;
-    const auto sine_power = [&](std::size_t j) {
+    const auto sinePower = [&](std::size_t j) {
         for (; known <= j; ++known) {
             sinePowers[known] =
                 std::pow(sb, static_cast<double>(known) * 2.0) * coefficients::evenOverOdd[known];
@@ -114,7 +114,7 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
         const double s2 = std::sin(arcs.sigma * 2.0);
         double omega = l;
         for (int k = 1; k <= n; ++k) {
-            const double Q = geodesic.Q(k - 1, sine_power) * s2 * 0.5;
+            const double Q = geodesic.Q(k - 1, sinePower) * s2 * 0.5;
             omega -= (geodesic.P(k - 1) * arcs.psi - Q) * (cb * root(k));
         }
         arcs = Arcs(std::atan(tb / std::cos(omega)), sb, east, west);
@@ -129,7 +129,7 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
         if (k > maxPasses) {
             return status::geoToSoldnerY;
         }
-        t = (Y0 * root(k)) * geodesic.P(k) - (((s2 * a) * root(k)) * geodesic.Q(k, sine_power)) * 0.5;
+        t = (Y0 * root(k)) * geodesic.P(k) - (((s2 * a) * root(k)) * geodesic.Q(k, sinePower)) * 0.5;
         y += t;
     }
 

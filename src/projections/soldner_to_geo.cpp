@@ -110,7 +110,7 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
     const double sigma1 = y >= 0.0 ? pi - sigma : sigma;
     double omega = std::asin(((cf / std::cos(beta)) * std::sin(sigma1)) - keptBelowOne);
     const double s2 = std::sin(sigma1 * 2.0);
-    const auto sine_power = [&](std::size_t j) {
+    const auto sinePower = [&](std::size_t j) {
         return std::pow(sinBeta, static_cast<double>(j) * 2.0) * coefficients::evenOverOdd[j];
     };
     geodesic.forget_point();
@@ -121,7 +121,7 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
             return status::soldnerToGeoLongitude;
         }
         g = binomial_root(g, e2, k);
-        t = ((sigma1 * cf) * g) * geodesic.P(k - 1) - (((s2 * cf) * g) * geodesic.Q(k - 1, sine_power)) * 0.5;
+        t = ((sigma1 * cf) * g) * geodesic.P(k - 1) - (((s2 * cf) * g) * geodesic.Q(k - 1, sinePower)) * 0.5;
         omega += t;
     }
     double quarter = halfPi;  // longitude of the footpoint from the node
