@@ -18,7 +18,6 @@
 //   Dr, Di          sum of d_j sin^(2j) Z;  Br, Bi  the arc's series B(Z)
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <optional>
 
 #include "base/angles.h"
@@ -29,7 +28,6 @@ namespace lagestatus {
 namespace {
 
 using coefficients::evenOverOdd;
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 struct ComplexLatitude {
     ComplexLatitude(double real, double imaginary) noexcept
@@ -225,7 +223,8 @@ int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0
     // quick ones tell as well, with a margin hundreds of times their difference to the exact ones; within the margin
     // the exact ones decide.
     constexpr double shortStep = 3e-5;  // its cube times a lies far within the margin
-    const double margin = e2 >= 0.0 && e2 < 0.1 ? std::fabs(a) * 1e-12 : infinity;
+    const double margin = std::fabs(a) * 1e-12;
+    const bool likeTheEarth = e2 >= 0.0 && e2 < 0.1;
     Recurrence terms(e2);
     Coordinates reached;
     Coordinates quickOld;
@@ -243,9 +242,12 @@ int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0
         Z = latitude_of(next_isometric(before, e, q, l));
 
         const Coordinates quick = quick_arc_at(Z, before, terms, last, K0);
-        const bool sure = std::fabs(Z.Zi) < 1.0 && std::fabs(Z.Zr - before.Zr) < shortStep &&
+        const bool sure = likeTheEarth && std::fabs(Z.Zi) < 1.0 && std::fabs(Z.Zr - before.Zr) < shortStep &&
                           std::fabs(Z.Zi - before.Zi) < shortStep;
-        const auto ends = settles_surely(quickOld, quick, tolCoord, sureOld && sure ? margin : infinity);
+        std::optional<bool> ends;
+        if (sure && sureOld) {
+            ends = settles_surely(quickOld, quick, tolCoord, margin);
+        }
         if (ends.value_or(true)) {
             const auto exactOld = [&]() -> Coordinates {
                 if (n == 2) {
