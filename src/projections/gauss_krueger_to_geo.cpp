@@ -40,9 +40,10 @@ bool complex_arc(ArcSeries& series, const Place& at, double lastChange, double t
     const double cosZr = std::cos(at.Zr);
     const double ep = std::exp(at.Zi);
     const double em = std::exp(-at.Zi);
-    const double sr = std::sin(at.Zr) * (ep + em) * 0.5;
     const double rho = std::sqrt((1.0 - cosZr * 2.0 * cosZr) * 0.5 + (at.Fm + at.F) * 0.25);
-    const double theta = sr != 0.0 ? std::atan((ep - em) / std::tan(at.Zr) / (ep + em)) : halfPi;
+    // The real part of the sine, sin Zr (e^Zi + e^-Zi) / 2, is 0 nowhere else; an overflow makes it no number.
+    const bool onImaginaryAxis = at.Zr == 0.0 && !std::isinf(ep + em);
+    const double theta = onImaginaryAxis ? halfPi : std::atan((ep - em) / std::tan(at.Zr) / (ep + em));
     std::array<double, maxPasses> power;  // rho^2i
     std::array<double, maxPasses> cosine;
     std::array<double, maxPasses> sine;  // of 2i theta
@@ -84,7 +85,8 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, Ge
     if (!series.rectifying(tolSeries, S)) {
         return status::kruegerToGeoEccentricity;
     }
-    if (!series.meridian_arc(phi0, tolSeries, B0)) {
+    const bool needsB0 = phi0 != 0.0 || !series.sure_to_converge(tolSeries);  // else it is multiplied by 0
+    if (needsB0 && !series.meridian_arc(phi0, tolSeries, B0)) {
         return status::kruegerToGeoArc;
     }
     const double A = S + 1.0;
