@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 
 #include "base/fixed_text.h"
 
@@ -10,6 +11,7 @@ namespace lagestatus {
 
 inline constexpr std::size_t parameterCount = 36;
 using ParameterArray = std::array<double, parameterCount>;
+using Parameters = std::span<const double, parameterCount>;  // an array that belongs to the caller
 
 // The slots of the parameter array. Their order is part of the exported interface. Note that translations and
 // reduction points stand with Y before X. Lengths in metres, rotations in radians, scales as plain factors.

@@ -25,7 +25,7 @@ Matrix rotation(double a, double b, double c) noexcept {
 
 }  // namespace
 
-Geocentric datum_step(std::span<const double, parameterCount> parameters, const Geocentric& point) noexcept {
+Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept {
     using namespace slot;
     const auto& p = parameters;
 

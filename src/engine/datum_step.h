@@ -1,8 +1,6 @@
 // The seven-parameter step between two geodetic datums.
 #pragma once
 
-#include <span>
-
 #include "base/system_description.h"
 #include "engine/geocentric.h"
 
@@ -26,7 +24,6 @@ namespace lagestatus {
 //           point       metres
 // Returned: the point in the other datum. It cannot fail; an intermediate scale of 0 gives values that are not
 //           finite
-[[nodiscard]] Geocentric datum_step(std::span<const double, parameterCount> parameters,
-                                    const Geocentric& point) noexcept;
+[[nodiscard]] Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept;
 
 }  // namespace lagestatus

@@ -2,8 +2,6 @@
 // decadic complement, shifts and rotation.
 #pragma once
 
-#include <span>
-
 #include "base/system_description.h"
 
 namespace lagestatus {
@@ -13,8 +11,6 @@ struct PlanePoint {
     double northing = 0.0;  // X
     double easting = 0.0;   // Y
 };
-
-using Parameters = std::span<const double, parameterCount>;
 
 // From the system's coordinates to those of its projection: scale, constants, complement, similarity. A Gauss-Krueger
 // system still has its zone and the scale of its meridian in them afterwards. Cannot fail; what is not finite stays so.
