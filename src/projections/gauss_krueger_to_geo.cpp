@@ -77,8 +77,8 @@ bool complex_arc(ArcSeries& series, const Place& at, double lastChange, double t
 
 }  // namespace
 
-int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, GeographicResult& res,
-                         double tolAngle, double tolSeries) noexcept {
+Status gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, GeographicResult& res,
+                            double tolAngle, double tolSeries) noexcept {
     ArcSeries series(a, b);
     double S = 0.0;
     double B0 = 0.0;

@@ -205,8 +205,8 @@ std::optional<bool> settles_surely(const Coordinates& from, const Coordinates& t
 
 }  // namespace
 
-int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0, double lam0,
-                         PlaneResult& res, double tolCoord, double tolSeries) noexcept {
+Status geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0, double lam0,
+                            PlaneResult& res, double tolCoord, double tolSeries) noexcept {
     ArcSeries series(a, b);
     const double e2 = series.e2;
     const double e = std::sqrt(e2);

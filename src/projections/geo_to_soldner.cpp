@@ -47,8 +47,8 @@ struct Arcs {
 
 }  // namespace
 
-int geo_to_soldner(double a, double b, double phi, double lam, double phi0, double lam0, PlaneResult& res,
-                   double tolAngle, double tolLength, double tolSeries) noexcept {
+Status geo_to_soldner(double a, double b, double phi, double lam, double phi0, double lam0, PlaneResult& res,
+                      double tolAngle, double tolLength, double tolSeries) noexcept {
     ArcSeries series(a, b);
     const double e2 = series.e2;
     double S = 0.0;

@@ -27,8 +27,8 @@ constexpr double keptBelowOne = 1e-15;  // taken from a sine, so that rounding c
 
 }  // namespace
 
-int soldner_to_geo(double a, double b, double y, double x, double phi0, double lam0, GeographicResult& res,
-                   double tolAngle, double tolLength, double tolSeries) noexcept {
+Status soldner_to_geo(double a, double b, double y, double x, double phi0, double lam0, GeographicResult& res,
+                      double tolAngle, double tolLength, double tolSeries) noexcept {
     ArcSeries series(a, b);
     const double e2 = series.e2;
     double S = 0.0;
