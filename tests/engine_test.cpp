@@ -227,10 +227,10 @@ TEST(DatumStep, ChoosesItsStages) {
 int transr(std::array<double, 4>& point, const std::string& sourceKind, const std::string& targetKind,
            const std::string& sourceEllipsoid, const std::string& targetEllipsoid,
            const ParameterArray& source, const ParameterArray& target, int sourceFlag = 0,
-           int targetFlag = -1) {
+           int targetFlag = -1, int zone = 0) {
     return transr_dll(point.data(), wide(sourceKind).c_str(), wide(targetKind).c_str(), point.data(),
                       wide(sourceEllipsoid).c_str(), source.data(), wide(targetEllipsoid).c_str(),
-                      target.data(), 0, sourceFlag, targetFlag, u".");
+                      target.data(), zone, sourceFlag, targetFlag, u".");
 }
 
 ParameterArray on(const NamedEllipsoid& ellipsoid, double shift) {
@@ -279,6 +279,22 @@ TEST(Pipeline, RefusesWhatItCannotCarry) {
                   status);
         EXPECT_EQ(point[3], height);
         EXPECT_EQ(point[0] == 0.0 && point[1] == 0.0 && point[2] == 0.0, status != 0);
+    }
+}
+
+TEST(Pipeline, FindsTheStripOfTheTarget) {
+    ParameterArray source = on(ellipsoids[0], 0);
+    ParameterArray target = on(ellipsoids[0], 0);
+    target[slot::additiveY] = 500000;
+    for (const Row& row : rows("strips.tsv")) {
+        SCOPED_TRACE(::testing::PrintToString(row));
+        source[slot::longitudeOfOrigin] = std::stod(row[1]);
+        target[slot::longitudeOfOrigin] = std::stod(row[4]);
+        std::array<double, 4> point = {std::stod(row[2]), std::stod(row[3]), 7, untouched};
+        ASSERT_EQ(transr(point, row[0], "Gauss-Krueger", "Bessel", "Bessel", source, target, 0, -1,
+                         std::stoi(row[5])),
+                  std::stoi(row[6]));
+        EXPECT_EQ(std::floor(point[1] / 1e6), std::stod(row[7]));
     }
 }
 

@@ -31,7 +31,8 @@ struct Zone {
 };
 
 // The zone of a target: with strips the one whose central meridian is nearest to the longitude lam (radians), with one
-// meridian that one under the number given. Nothing when 32 bits cannot hold the number of the strip, also because lam
+// meridian that one under the number given. Numbers are cut towards zero: west of half a strip west of strip 0 it is the
+// strip east of the nearest. Nothing when 32 bits cannot hold the number of the strip, also because lam
 // is not finite. The layout must have zones.
 [[nodiscard]] std::optional<Zone> target_zone(const ZoneLayout& layout, double lam, int zoneNumber) noexcept;
 
