@@ -187,7 +187,7 @@ TEST(Projections, HoldEveryBitOfTheFormulas) {
     for (int number = 0; number < 6000; ++number) {
         const bool wide = number % 3 == 1;
         const auto [a, b] = ellipsoids[static_cast<std::size_t>(number) % 3].axes();
-        const double near = number % 8 == 0 ? 1.5e-5 : 1;  // the branches beside the meridian
+        const double near = number % 8 == 0 ? 1e-3 : 1;  // the branches beside the meridian
         const double phi0 = number % 5 < 2 ? 0 : between(-1.2, 1.2);
         const double lam0 = between(-0.3, 0.3);
         const double phi = wide ? between(-1.57, 1.57) : between(0.8, 0.98);
@@ -281,6 +281,7 @@ TEST(Projections, FailWithTheStatusOfTheirLoop) {
                            0,
                            {number(5), number(5), number(6), number(7)}};
         const Outcome reached = outcome(routines.at(row[0]).library, call);
+        EXPECT_EQ(reached, outcome(routines.at(row[0]).asWritten, call));
         EXPECT_EQ(reached.status, std::stoi(row[8]));
         EXPECT_EQ(reached.bits == (std::bit_cast<std::array<std::uint64_t, 2>>(unwritten)),
                   reached.status != 0);

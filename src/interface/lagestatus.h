@@ -26,8 +26,8 @@
  *   the number of its strip in the millions: 3566003.66 lies 66003.66 m east of the central meridian of strip 3, if
  *   the additive constant is 500000. A system may be a whole family of strips (a longitude of origin above 360): the
  *   strip of a source is read from the easting, that of a target is the one whose central meridian is nearest (west
- *   of strip 0 the next one east of it). A
- *   system with a decadic complement d writes a small negative value as d + value.
+ *   of strip 0 the next one east of it). A system with a decadic complement d writes a small negative value as
+ *   d + value.
  *   How accurate the projections are, and how far from the central meridian: docs/accuracy.md.
  *
  * Texts
