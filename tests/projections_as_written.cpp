@@ -44,9 +44,7 @@ bool arc_series(double e2, double phi, double tol, double& B) {
 }
 
 int finish(double first, double second, int notFinite, std::array<double, 2>& res) {
-    if (!std::isfinite(first) || !std::isfinite(second)) {
-        return notFinite;
-    }
+    if (!std::isfinite(first) || !std::isfinite(second)) return notFinite;
     res = {first, second};
     return 0;
 }
@@ -85,9 +83,7 @@ void corr(double Zr, double Zi, double e, double q, double l, double& Q, double&
 }
 
 double binomial(int m, int j) {
-    if (j == 0 || j == m) {
-        return 1;
-    }
+    if (j == 0 || j == m) return 1;
     double bin = m;
     for (int i = 2; i <= j; ++i) {
         bin = ((m - i + 1.0) * bin) / i;
@@ -181,16 +177,10 @@ int geo_to_gauss_krueger(double a, double b, double phi, double lam, double phi0
         Y = A * Zi - ((c2 * (F - Fm)) * Bre + s2 * Bim) * K;
         X = A * Zr - (s2 * Bre - (c2 * (F - Fm)) * Bim) * K;
     }
-    if (n == 100 && (fabs(Xold - X) > tolCoord || fabs(Yold - Y) > tolCoord)) {
-        return 501;
-    }
+    if (n == 100 && (fabs(Xold - X) > tolCoord || fabs(Yold - Y) > tolCoord)) return 501;
     double S, B;
-    if (!e2_series(e2, tolSeries, S)) {
-        return 502;
-    }
-    if (!arc_series(e2, phi0, tolSeries, B)) {
-        return 503;
-    }
+    if (!e2_series(e2, tolSeries, S)) return 502;
+    if (!arc_series(e2, phi0, tolSeries, B)) return 503;
     const double K0 = (1 - e2) * a;
     return finish(Y, sin(phi0 * 2) * ((K0 * 0.5) * B) + (X - ((S + 1) * K0) * phi0), 501, res);
 }
@@ -201,12 +191,8 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, st
     const double e2 = 1 - ((b / a) * b) / a;
     const double e = sqrt(e2);
     double S, B0;
-    if (!e2_series(e2, tolSeries, S)) {
-        return 301;
-    }
-    if (!arc_series(e2, phi0, tolSeries, B0)) {
-        return 302;
-    }
+    if (!e2_series(e2, tolSeries, S)) return 301;
+    if (!arc_series(e2, phi0, tolSeries, B0)) return 302;
     const double A = S + 1, o = 1 - e2;
     const double u = ((y / a) / A) / o;
     const double m = (((A * (o * a)) * phi0 + x) - sin(phi0 * 2) * (((o * a) * 0.5) * B0)) / a / A / o;
@@ -240,9 +226,7 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, st
             Bim = Bim + tim;
             Bre = Bre + tre;
         }
-        if (k == 100 && (tre > tolSeries || tim > tolSeries)) {
-            return 303;
-        }
+        if (k == 100 && (tre > tolSeries || tim > tolSeries)) return 303;
         Br = Zr;
         Bi = Zi;
         const double F = exp(Zi * 2), Fm = exp(Zi * (-2));
@@ -255,9 +239,7 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, st
         Zr = ZrNew;
         Zi = ZiNew;
     }
-    if (n == 100 && (dIm > tolSeries || dRe > tolSeries)) {
-        return 304;
-    }
+    if (n == 100 && (dIm > tolSeries || dRe > tolSeries)) return 304;
     const double ep = exp(Zi), em = exp(-Zi);
     const double sr = sin(Zr) * (em + ep) * 0.5;
     const double si = cos(Zr) * (ep - em) * 0.5;
@@ -281,9 +263,7 @@ int gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, st
         const double Q = log((t * e + 1) / (1 - t * e)) * (e * 0.5) + q;
         t = (exp(Q) - exp(-Q)) / (exp(-Q) + exp(Q));
     } while (fabs(t - told) > tolAngle && n < 100);
-    if (fabs(t - told) > tolAngle) {
-        return 305;
-    }
+    if (fabs(t - told) > tolAngle) return 305;
     return finish(asin(t), l, 304, res);
 }
 
@@ -292,12 +272,8 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
     const double pi = 2 * asin(1.0);
     const double e2 = 1 - ((b / a) * b) / a;
     double S, B0;
-    if (!e2_series(e2, tolSeries, S)) {
-        return 401;
-    }
-    if (!arc_series(e2, phi0, tolSeries, B0)) {
-        return 402;
-    }
+    if (!e2_series(e2, tolSeries, S)) return 401;
+    if (!arc_series(e2, phi0, tolSeries, B0)) return 402;
     const double A = S + 1, o = 1 - e2;
     const double K1 = A * (o * a), K2 = (o * a) * 0.5;
     const double G0 = K1 * phi0 - sin(phi0 * 2) * (K2 * B0);
@@ -306,12 +282,8 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
     double betaF = atan(tb / cos(l));
     double v = sb / sin(betaF) - 1e-15;
     double sigma = asin(v), psi = acos(v);
-    if (lam >= lam0) {
-        sigma = pi - sigma;
-    }
-    if (lam0 > lam) {
-        psi = -psi;
-    }
+    if (lam >= lam0) sigma = pi - sigma;
+    if (lam0 > lam) psi = -psi;
     double betaFOld = -99, sigmaOld = -99, psiOld = -99;
     const auto moves = [&] {
         return fabs(betaFOld - betaF) > tolAngle || fabs(sigmaOld - sigma) > tolAngle ||
@@ -339,16 +311,10 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
         v = sb / sin(betaF) - 1e-15;
         sigma = asin(v);
         psi = acos(v);
-        if (lam >= lam0) {
-            sigma = pi - sigma;
-        }
-        if (lam0 > lam) {
-            psi = -psi;
-        }
+        if (lam >= lam0) sigma = pi - sigma;
+        if (lam0 > lam) psi = -psi;
     }
-    if (n == 100 && moves()) {
-        return 403;
-    }
+    if (n == 100 && moves()) return 403;
     const double x = sin(betaF) * sin(betaF);
     const double Y0 = psi * a;
     double Y = Y0, g = 1, t = 99;
@@ -361,14 +327,10 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
         t = (Y0 * g) * P - (((sin(sigma * 2) * a) * g) * Q) * 0.5;
         Y = Y + t;
     }
-    if (k == 100 && fabs(t) > tolLength) {
-        return 404;
-    }
+    if (k == 100 && fabs(t) > tolLength) return 404;
     const double phiF = atan(tan(betaF) / r);
     double BF;
-    if (!arc_series(e2, phiF, tolSeries, BF)) {
-        return 405;
-    }
+    if (!arc_series(e2, phiF, tolSeries, BF)) return 405;
     const double X = (K1 * phiF - sin(phiF * 2) * (K2 * BF)) - G0;
     if (!(fabs(l) >= 5e-5)) {
         const double cphi = cos(phi);
@@ -384,12 +346,8 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
     const double pi = 2 * asin(1.0);
     const double e2 = 1 - ((b / a) * b) / a;
     double S, B0;
-    if (!e2_series(e2, tolSeries, S)) {
-        return 201;
-    }
-    if (!arc_series(e2, phi0, tolSeries, B0)) {
-        return 202;
-    }
+    if (!e2_series(e2, tolSeries, S)) return 201;
+    if (!arc_series(e2, phi0, tolSeries, B0)) return 202;
     const double A = S + 1, o = 1 - e2;
     const double mu = ((((A * (o * a)) * phi0 + x) - sin(phi0 * 2) * (((o * a) * 0.5) * B0)) / a) / o / A;
     double phiPrev = mu;
@@ -398,15 +356,11 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
     while (fabs(phiPrev - phiF) > tolAngle && n < 100) {
         n = n + 1;
         double B;
-        if (!arc_series(e2, phiPrev, tolSeries, B)) {
-            return 203;
-        }
+        if (!arc_series(e2, phiPrev, tolSeries, B)) return 203;
         phiPrev = phiF;
         phiF = ((sin(phiPrev * 2) * B) * 0.5) / A + mu;
     }
-    if (n == 100 && fabs(phiPrev - phiF) > tolAngle) {
-        return 204;
-    }
+    if (n == 100 && fabs(phiPrev - phiF) > tolAngle) return 204;
     const double r = sqrt(o), tf = tan(phiF), betaF = atan(tf * r), cf = cos(betaF), sf = sin(betaF);
     const double xf = sf * sf;
     double L = (pi * a) * 2, c = 1, t = 99, P, Q;
@@ -418,9 +372,7 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
         t = pow(e2, k) * ((((pi * 2) * a) * c) * P);
         L = L + t;
     }
-    if (k == 100 && fabs(t) > tolLength) {
-        return 205;
-    }
+    if (k == 100 && fabs(t) > tolLength) return 205;
     const double s0 = (L * 0.25 + y) / a;
     double sigma = s0, sigmaOld = -99;
     n = 0;
@@ -436,9 +388,7 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
             sigma = (sigma - (sigmaOld * g) * P) + ((s2 * g) * Q) * 0.5;
         }
     }
-    if (n == 100 && fabs(sigmaOld - sigma) > tolAngle) {
-        return 206;
-    }
+    if (n == 100 && fabs(sigmaOld - sigma) > tolAngle) return 206;
     const double beta = asin(sin(sigma) * sf);
     const double phi = atan(tan(beta) / r);
     const double sigma1 = y >= 0 ? pi - sigma : sigma;
@@ -453,9 +403,7 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
         t = ((sigma1 * cf) * g) * P - (((sin(sigma1 * 2) * cf) * g) * Q) * 0.5;
         lamSum = lamSum + t;
     }
-    if (k == 100 && fabs(t) > tolAngle) {
-        return 207;
-    }
+    if (k == 100 && fabs(t) > tolAngle) return 207;
     double quarter = pi * 0.5;
     g = 1;
     t = 99;
@@ -467,9 +415,7 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
         t = (((pi * 0.5) * cf) * g) * P;
         quarter = quarter + t;
     }
-    if (k == 100 && fabs(t) > tolAngle) {
-        return 208;
-    }
+    if (k == 100 && fabs(t) > tolAngle) return 208;
     double lam = y < 0 ? (lamSum - quarter) + lam0 : (quarter + lam0) - lamSum;
     if (!(fabs(y) >= 200)) {
         const double cphi = cos(phiF);
@@ -524,12 +470,8 @@ int plane_to_geo(bool soldner, const double* p, double X, double Y, double& phi,
     Y = Y - p[9];
     const double d = p[4];
     if (d != 0) {
-        if (Y > d * 0.5) {
-            Y = Y - d;
-        }
-        if (X > d * 0.5) {
-            X = X - d;
-        }
+        if (Y > d * 0.5) Y = Y - d;
+        if (X > d * 0.5) X = X - d;
     }
     if (is_turned(p)) {
         const double r = p[8], dy = Y - p[6], dx = X - p[7], q = 1 / (r * r + 1);
@@ -565,9 +507,7 @@ int geo_to_plane(bool soldner, const double* p, int zoneNumber, double phi, doub
     double y, x;
     if (soldner) {
         const int status = geo_to_soldner(p[24], p[25], phi, lam, p[0], lam0, res, 1e-10, 0.0001, 1e-12);
-        if (status != 0) {
-            return status;
-        }
+        if (status != 0) return status;
         y = res[0];
         x = res[1];
     } else {
@@ -575,16 +515,12 @@ int geo_to_plane(bool soldner, const double* p, int zoneNumber, double phi, doub
         double lamC = lam0;
         if (lam0 == 0.0) {
             const double zone = (lam / rho - static_cast<double>(offset)) / static_cast<double>(width) + 0.5;
-            if (width == 0 || !fits(zone)) {
-                return 14;
-            }
+            if (width == 0 || !fits(zone)) return 14;
             z = trunc_to_int(zone);
             lamC = static_cast<double>(width * z + offset) * rho;
         }
         const int status = geo_to_gauss_krueger(p[24], p[25], phi, lam, p[0], lamC, res, 0.0001, 1e-12);
-        if (status != 0) {
-            return status;
-        }
+        if (status != 0) return status;
         y = res[0] * p[5] + z * 1000000.0;
         x = res[1] * p[5];
     }
@@ -595,12 +531,8 @@ int geo_to_plane(bool soldner, const double* p, int zoneNumber, double phi, doub
     }
     const double d = p[4];
     if (d != 0) {
-        if (y < 0 && d * 0.5 > -y) {
-            y = y + d;
-        }
-        if (x < 0 && d * 0.5 > -x) {
-            x = x + d;
-        }
+        if (y < 0 && d * 0.5 > -y) y = y + d;
+        if (x < 0 && d * 0.5 > -x) x = x + d;
     }
     y = y + p[9];
     x = x + p[10];
