@@ -16,7 +16,6 @@
 #include "base/int_cast.h"
 #include "engine/plane_reductions.h"
 #include "engine/plane_systems.h"
-#include "engine/zones.h"
 #include "projections_as_written.h"
 #include "support.h"
 
@@ -138,17 +137,6 @@ TEST(Projections, AgreeWithGeographicLib) {
     EXPECT_LT(near.get(), tolSoldnerNear);
     EXPECT_LT(far.get(), tolSoldnerFar);
     EXPECT_LT(soldnerThereAndBack.get(), tolSoldnerBack);
-    const std::pair<const char*, double> worst[] = {{"krueger", krueger.get()},
-                                                    {"krueger_inverse", kruegerBack.get()},
-                                                    {"krueger_there_and_back", kruegerThereAndBack.get()},
-                                                    {"soldner_x", x.get()},
-                                                    {"soldner_latitude", latitude.get()},
-                                                    {"soldner_near", near.get()},
-                                                    {"soldner_far", far.get()},
-                                                    {"soldner_there_and_back", soldnerThereAndBack.get()}};
-    for (const auto& [name, value] : worst) {
-        RecordProperty(name, (std::ostringstream() << value).str());
-    }
 }
 
 TEST(Projections, HoldEveryBitOfTheFormulas) {
@@ -318,24 +306,6 @@ TEST(Truncation, IsDefinedForEveryDouble) {
         {notANumber, {}},    {-infinity, {}}};
     for (const auto& [value, expected] : cases) {
         EXPECT_EQ(truncated(value), expected) << value;
-    }
-}
-
-TEST(Zones, FollowTheirLayout) {
-    for (const Row& row : rows("zones.tsv")) {
-        SCOPED_TRACE(::testing::PrintToString(row));
-        const ZoneLayout layout = decode_longitude_of_origin(std::stod(row[0]));
-        EXPECT_EQ((std::array{layout.width, layout.offset}),
-                  (std::array<std::int64_t, 2>{std::stoll(row[1]), std::stoll(row[2])}));
-        EXPECT_EQ(layout.has_no_zones(), row[4] == "none");
-        if (row[4] != "none") {
-            const auto zone = target_zone(layout, std::stod(row[3]) * degree, 77);
-            ASSERT_EQ(zone.has_value(), row[4] != "14");
-            if (zone) {
-                EXPECT_EQ(zone->number, std::stoi(row[4]));
-                EXPECT_EQ(zone->meridian, std::stod(row[5]) * degree);
-            }
-        }
     }
 }
 

@@ -18,4 +18,9 @@ namespace lagestatus {
     return static_cast<int>(value);
 }
 
+// The same with the smallest integer where there is none.
+[[nodiscard]] constexpr int truncated_or_smallest(double value) noexcept {
+    return truncated(value).value_or(std::numeric_limits<int>::min());
+}
+
 }  // namespace lagestatus

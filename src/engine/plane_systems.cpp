@@ -1,7 +1,5 @@
 #include "engine/plane_systems.h"
 
-#include <limits>
-
 #include "base/int_cast.h"
 #include "projections/projections.h"
 
@@ -32,7 +30,7 @@ Status plane_to_geographic(const Side& source, const Point& point, Geographic& r
         return status::ok;
     }
     const double m0 = p[slot::meridianScale];
-    const int zone = truncated((Y + p[slot::additiveY]) / zoneUnit).value_or(std::numeric_limits<int>::min());
+    const int zone = truncated_or_smallest((Y + p[slot::additiveY]) / zoneUnit);
     const double y = (Y - zone * zoneUnit) / m0;
     const Status status =
         gauss_krueger_to_geo(a, b, y, X / m0, p[slot::latitudeOfOrigin], reached, tolAngle, tolSeries);

@@ -1,7 +1,5 @@
 #include "engine/zones.h"
 
-#include <limits>
-
 #include "base/angles.h"
 #include "base/int_cast.h"
 
@@ -11,10 +9,6 @@ namespace {
 constexpr double layoutsFrom = 360.0;  // degrees; above this a longitude of origin is a layout
 constexpr int layoutZero = 600;        // the integer part that stands for an offset of 0
 constexpr double tenthGuard = 0.05;    // a double may hold 600.3 slightly below
-
-int truncated_or_smallest(double value) noexcept {
-    return truncated(value).value_or(std::numeric_limits<int>::min());
-}
 
 }  // namespace
 

@@ -10,7 +10,7 @@
 //   d_i        evenOverOdd[i]           (2i)!! / (2i+1)!!
 //   T_k        term(k)                  (2k+1) c_k^2 e^(2k)
 //   alpha_j    alternating[j]           (-1)^j c_j
-//   g_k        binomial_root(...)       coefficient of t^k in sqrt(1 - t), times e^(2k)
+//   g_k        root(k)                  coefficient of t^k in sqrt(1 - t), times e^(2k)
 //
 // The coefficients that depend on nothing are computed by their recurrences when the library is compiled; doubles
 // round there as they do at run time. Powers are pow(x, k), never repeated products, unless a name says so: the bits
@@ -77,11 +77,8 @@ inline constexpr std::array<double, count*(count + 1) / 2> binomials = [] {
 
 }  // namespace coefficients
 
-// g_k from g_(k-1).
-[[nodiscard]] inline double binomial_root(double previous, double e2, int k) noexcept {
-    const double twice = static_cast<double>(k - 1) * 2.0;
-    return ((twice - 1.0) * previous) / (twice + 2.0) * e2;
-}
+// Taken from the sines that give the Soldner arcs, so that rounding cannot lift them above 1.
+inline constexpr double keptBelowOne = 1e-15;
 
 // The meridian arc from the equator is
 //
@@ -89,11 +86,11 @@ inline constexpr std::array<double, count*(count + 1) / 2> binomials = [] {
 //   S = sum over k >= 1 of T_k,   B(phi) = sum over k >= 1 of T_k sum over 0 <= i < k of d_i sin^(2i) phi,
 //
 // which is a (1 - e2) times the integral of (1 - e2 sin^2 t)^(-3/2) from 0 to phi, the root expanded by the binomial
-// theorem and every power of the sine integrated by parts.
+// theorem and every power of the sine integrated by parts. Values are kept as they are asked for.
 class ArcSeries {
   public:
     // Given: the semi-axes in metres.
-    ArcSeries(double a, double b) noexcept : e2(1.0 - ((b / a) * b) / a) {}
+    ArcSeries(double a, double b) noexcept : e2(1.0 - ((b / a) * b) / a) { roots[0] = 1.0; }
 
     double e2;
 
@@ -110,6 +107,16 @@ class ArcSeries {
     [[nodiscard]] double term(int k) noexcept {
         extend_to(k);
         return terms[static_cast<std::size_t>(k)];
+    }
+
+    // g_k for k = 0 to 100.
+    [[nodiscard]] double root(int k) noexcept {
+        for (; knownRoots < k; ++knownRoots) {
+            const auto last = static_cast<std::size_t>(knownRoots);
+            const double twice = static_cast<double>(knownRoots) * 2.0;
+            roots[last + 1] = ((twice - 1.0) * roots[last]) / (twice + 2.0) * e2;
+        }
+        return roots[static_cast<std::size_t>(k)];
     }
 
     // Sums S. Returned: whether it converged within 100 terms; sum holds what was summed.
@@ -129,8 +136,10 @@ class ArcSeries {
     }
 
     int known = 0;
+    int knownRoots = 0;
     std::array<double, coefficients::count> powers;  // both as far as known
     std::array<double, coefficients::count> terms;
+    std::array<double, coefficients::count> roots;  // as far as knownRoots
 };
 
 // The sums over a geodesic on the auxiliary sphere whose footpoint (vertex) has the reduced latitude beta_f, with

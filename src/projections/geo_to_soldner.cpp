@@ -21,8 +21,7 @@
 namespace lagestatus {
 namespace {
 
-constexpr double nearMeridian = 5e-5;   // radians
-constexpr double keptBelowOne = 1e-15;  // taken from a sine, so that rounding cannot lift it above 1
+constexpr double nearMeridian = 5e-5;  // radians
 
 // The arcs of a point east or west of the central meridian whose footpoint is betaF.
 struct Arcs {
@@ -83,17 +82,6 @@ Status geo_to_soldner(double a, double b, double phi, double lam, double phi0, d
         }
         return sinePowers[j];
     };
-    std::array<double, coefficients::count> g;  // g_k, as far as a pass or term needs it
-    g[0] = 1.0;
-    int knownG = 0;
-    const auto root = [&](int k) {
-        for (; knownG < k; ++knownG) {
-            const auto next = static_cast<std::size_t>(knownG) + 1;
-            g[next] = binomial_root(g[next - 1], e2, knownG + 1);
-        }
-        return g[static_cast<std::size_t>(k)];
-    };
-
     Arcs arcs(std::atan(tb / std::cos(l)), sb, east, west);
     double betaFOld = -firstChange;
     double sigmaOld = -firstChange;
@@ -115,7 +103,7 @@ Status geo_to_soldner(double a, double b, double phi, double lam, double phi0, d
         double omega = l;
         for (int k = 1; k <= n; ++k) {
             const double Q = geodesic.Q(k - 1, sinePower) * s2 * 0.5;
-            omega -= (geodesic.P(k - 1) * arcs.psi - Q) * (cb * root(k));
+            omega -= (geodesic.P(k - 1) * arcs.psi - Q) * (cb * series.root(k));
         }
         arcs = Arcs(std::atan(tb / std::cos(omega)), sb, east, west);
     }
@@ -129,7 +117,8 @@ Status geo_to_soldner(double a, double b, double phi, double lam, double phi0, d
         if (k > maxPasses) {
             return status::geoToSoldnerY;
         }
-        t = (Y0 * root(k)) * geodesic.P(k) - (((s2 * a) * root(k)) * geodesic.Q(k, sinePower)) * 0.5;
+        t = (Y0 * series.root(k)) * geodesic.P(k) -
+            (((s2 * a) * series.root(k)) * geodesic.Q(k, sinePower)) * 0.5;
         y += t;
     }
 

@@ -23,7 +23,6 @@ namespace lagestatus {
 namespace {
 
 constexpr double nearMeridian = 200.0;  // metres
-constexpr double keptBelowOne = 1e-15;  // taken from a sine, so that rounding cannot lift it above 1
 
 }  // namespace
 
@@ -97,9 +96,8 @@ Status soldner_to_geo(double a, double b, double y, double x, double phi0, doubl
                    xPower[j];
         };
         geodesic.forget_point();
-        double g = 1.0;
         for (int k = 1; k <= n; ++k) {
-            g = binomial_root(g, e2, k);
+            const double g = series.root(k);
             sigma = (sigma - (sigmaOld * g) * geodesic.P(k)) + ((s2 * g) * geodesic.Q(k, power)) * 0.5;
         }
     }
@@ -114,24 +112,22 @@ Status soldner_to_geo(double a, double b, double y, double x, double phi0, doubl
         return std::pow(sinBeta, static_cast<double>(j) * 2.0) * coefficients::evenOverOdd[j];
     };
     geodesic.forget_point();
-    double g = 1.0;
     t = firstChange;
     for (int k = 1; std::fabs(t) > tolAngle; ++k) {
         if (k > maxPasses) {
             return status::soldnerToGeoLongitude;
         }
-        g = binomial_root(g, e2, k);
+        const double g = series.root(k);
         t = ((sigma1 * cf) * g) * geodesic.P(k - 1) - (((s2 * cf) * g) * geodesic.Q(k - 1, sinePower)) * 0.5;
         omega += t;
     }
     double quarter = halfPi;  // longitude of the footpoint from the node
-    g = 1.0;
     t = firstChange;
     for (int k = 1; std::fabs(t) > tolAngle; ++k) {
         if (k > maxPasses) {
             return status::soldnerToGeoQuarter;
         }
-        g = binomial_root(g, e2, k);
+        const double g = series.root(k);
         t = ((halfPi * cf) * g) * geodesic.P(k - 1);
         quarter += t;
     }
