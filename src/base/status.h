@@ -24,13 +24,22 @@ inline constexpr Status projectionKind = 12;
 inline constexpr Status longitudeOfOrigin =
     14;  // also of the pipeline: a zone layout that gives a target no zone
 
-// A definition or parameter file that ends, or fails to be read, before the line that is due.
+// A data file that ends, or fails to be read, before the line that is due.
 inline constexpr Status fileEnds = 100;
 
 // Driver and pipeline.
 inline constexpr Status noGeographicCoordinates = 90;
+inline constexpr Status heightIteration = 92;
 inline constexpr Status codeNotListed = 93;
-inline constexpr Status heightModelNotOpened = 1110;
+
+// Height model, as it is read; the pipeline adds heightModel to what the height anomaly returns. The codes of the other
+// header lines stand in the table of heights/height_model_file.cpp.
+inline constexpr Status longitudeRange = 106;
+inline constexpr Status latitudeRange = 107;
+inline constexpr Status outsideHeightModel = 108;
+inline constexpr Status gridValue = 109;
+inline constexpr Status heightModelNotOpened = 110;
+inline constexpr Status heightModel = 1000;
 
 // Projections, by routine. Beside the loop that does not settle, 206, 304, 403 and 501 stand for results that are not
 // finite.

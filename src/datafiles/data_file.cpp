@@ -15,7 +15,7 @@
 namespace lagestatus {
 namespace {
 
-// A directory of 299 characters, a separator, a base name of 99 and its extension fit with room to spare.
+// The longest directory, a separator, a base name of 99 and its extension fit with room to spare.
 constexpr std::size_t pathSize = 512;
 using Path = FixedText<pathSize>;
 
@@ -154,6 +154,9 @@ DataFile::~DataFile() {
 }
 
 bool DataFile::open(std::string_view directory, std::string_view name) noexcept {
+    if (directory.size() > maxDirectory) {
+        return false;
+    }
     Path joined;
     if (directory != ".") {
         joined.append(directory);

@@ -12,6 +12,8 @@ namespace lagestatus {
 // is not inherited by child processes. This file alone knows how a platform opens a joined path.
 class DataFile {
   public:
+    static constexpr std::size_t maxDirectory = 299;  // characters
+
     DataFile() noexcept = default;
     ~DataFile();
     DataFile(const DataFile&) = delete;
@@ -21,7 +23,8 @@ class DataFile {
     // empty directory gives "\name"). Off Windows the backslash is a separator; when there is no such file, the
     // last component is looked up without regard to the case of ASCII letters (of several regular files the first
     // in byte order), and last the joined path is tried with its backslashes as ordinary characters.
-    // Returns false when nothing could be opened or what was found is no regular file; never blocks.
+    // Returns false when nothing could be opened, what was found is no regular file, or directory is too long;
+    // never blocks.
     // To be called once.
     [[nodiscard]] bool open(std::string_view directory, std::string_view name) noexcept;
 

@@ -87,6 +87,14 @@ bool FieldScanner::number(double& value) noexcept {
     return true;
 }
 
+bool FieldScanner::literal(char expected) noexcept {
+    if (!rest.starts_with(expected)) {
+        return false;
+    }
+    rest.remove_prefix(1);
+    return true;
+}
+
 std::string_view quoted_text(std::string_view line, std::size_t limit) noexcept {
     const std::size_t opening = line.find('"');
     if (opening == std::string_view::npos) {

@@ -35,6 +35,9 @@ class FieldScanner {
     // its sign.
     [[nodiscard]] bool number(double& value) noexcept;
 
+    // One character, which must be the very next: no blanks before it are taken.
+    [[nodiscard]] bool literal(char expected) noexcept;
+
   private:
     bool sign(bool& negative) noexcept;
 

@@ -72,9 +72,9 @@ bool skip_blanks(DataFile& file, int key, char& first) noexcept {
     }
 }
 
-}  // namespace
-
-LineKind read_line(DataFile& file, Line& line, int key) noexcept {
+// Takes the next line that is not blank and hands its bytes, as they are stored, to use, unless it is a comment.
+template <typename Use>
+LineKind take_line(DataFile& file, int key, Use use) noexcept {
     char first = '\0';
     if (key < 0 || !skip_blanks(file, key, first)) {
         return LineKind::end;
@@ -84,21 +84,27 @@ LineKind read_line(DataFile& file, Line& line, int key) noexcept {
         const bool read = for_rest_of_line(file, Line::maxLength, [](std::string_view) {});
         return read ? LineKind::comment : LineKind::end;
     }
+    if (!for_rest_of_line(file, Line::maxLength, use)) {
+        return LineKind::end;
+    }
+    return first == '"' ? LineKind::quoted : LineKind::ordinary;
+}
+
+}  // namespace
+
+LineKind read_line(DataFile& file, Line& line, int key) noexcept {
     line.length = 0;
-    const bool read = for_rest_of_line(file, Line::maxLength, [&line](std::string_view piece) {
+    const LineKind kind = take_line(file, key, [&line](std::string_view piece) {
         std::copy(piece.begin(), piece.end(), line.bytes.data() + line.length);
         line.length += piece.size();
     });
-    if (!read) {
-        return LineKind::end;
-    }
     if (key > 0) {
         Descrambler descrambler(key);
         for (char& byte : std::span(line.bytes).first(line.length)) {
             byte = byte == '\n' ? '\n' : descrambler.next(byte);
         }
     }
-    return first == '"' ? LineKind::quoted : LineKind::ordinary;
+    return kind;
 }
 
 Status next_data_line(DataFile& file, Line& line, int key) noexcept {
@@ -113,6 +119,22 @@ Status next_data_line(DataFile& file, Line& line, int key) noexcept {
                 return status::fileEnds;
         }
     }
+}
+
+Status skip_data_lines(DataFile& file, int key, std::int64_t count) noexcept {
+    while (count > 0) {
+        switch (take_line(file, key, [](std::string_view) {})) {
+            case LineKind::comment:
+                break;
+            case LineKind::ordinary:
+            case LineKind::quoted:
+                --count;
+                break;
+            case LineKind::end:
+                return status::fileEnds;
+        }
+    }
+    return status::ok;
 }
 
 Status read_key(DataFile& file, int& key) noexcept {

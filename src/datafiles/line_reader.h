@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include "base/status.h"
@@ -45,6 +46,10 @@ enum class LineKind {
 
 // Reads the next data line, comments skipped. Returns status::ok, or status::fileEnds when there is none.
 [[nodiscard]] Status next_data_line(DataFile& file, Line& line, int key) noexcept;
+
+// Passes over count data lines, comments not counted, and keeps nothing of them: beyond its first character a line is
+// only searched for its end. Returns status::ok, or status::fileEnds when there are fewer.
+[[nodiscard]] Status skip_data_lines(DataFile& file, int key, std::int64_t count) noexcept;
 
 // Reads the head of a file that may be scrambled: its key, a decimal integer in plain text, blanks before it
 // allowed, and the one character that must follow. Values beyond 32 bits become the nearest 32-bit value.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "base/angles.h"
 #include "engine/datum_step.h"
@@ -9,12 +10,6 @@
 
 namespace lagestatus {
 namespace {
-
-// Whether a normal height given at the source has to become an ellipsoidal one on the way.
-bool corrects_given_height(const Side& source, HeightFlags heights) noexcept {
-    return heights.sourceIsNormal &&
-           (source.bessel ? source.kind != ProjectionKind::geocentric : heights.targetWantsNormal);
-}
 
 // The source's coordinates as latitude and longitude; for systems that are not geocentric.
 Status source_to_geographic(const Side& source, const Point& point, Geographic& result) noexcept {
@@ -34,21 +29,15 @@ Status geographic_to_target(const Side& target, const Geographic& point, Point& 
     return geographic_to_plane(target, point, result);
 }
 
-// The datum steps through the Bessel datum; neither between systems on the same ellipsoid.
-Geocentric through_bessel_datum(const Side& source, const Side& target, Geocentric point) noexcept {
-    if (!source.bessel) {
-        point = datum_step(source.parameters, point);
-    }
-    if (!target.bessel) {
-        point = datum_step(target.parameters, point);
-    }
-    return point;
+// Whether every value is finite.
+bool are_finite(std::span<const double> values) noexcept {
+    return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
 }
 
 }  // namespace
 
 Status transform_point(const Point& point, const Side& source, const Side& target, HeightFlags heights,
-                       Result& result) noexcept {
+                       std::string_view directory, Result& result) noexcept {
     result = {0.0, 0.0, 0.0, point[2]};
     if (source.kind == ProjectionKind::unknown || target.kind == ProjectionKind::unknown) {
         return status::projectionKind;
@@ -57,45 +46,58 @@ Status transform_point(const Point& point, const Side& source, const Side& targe
         return status::longitudeOfOrigin;
     }
     const bool sourceGeocentric = source.kind == ProjectionKind::geocentric;
+    const bool targetGeocentric = target.kind == ProjectionKind::geocentric;
     const bool sameEllipsoid = source.ellipsoidName == target.ellipsoidName;
+    NormalHeights normalHeights(source, target, heights, directory, result[3]);
 
-    Geographic geographic;
-    Geocentric geocentric = {point[0], point[1], point[2]};
+    Geographic geographic = {0.0, 0.0, point[2]};
     if (!sourceGeocentric) {
         if (const Status read = source_to_geographic(source, point, geographic); read != status::ok) {
             return read;
         }
+        normalHeights.at_source(geographic);
     }
-    if (corrects_given_height(source, heights)) {
-        return status::heightModelNotOpened;
+    // The carried point, in the source's datum, in the Bessel datum, and at last in the target's. Gone once, or as often
+    // as it takes to find the ellipsoidal height for a normal height given.
+    Geocentric carried = {point[0], point[1], point[2]};
+    const bool throughBessel = !sameEllipsoid || normalHeights.need_bessel_datum();
+    for (bool settled = false; !settled;) {
+        if (!sourceGeocentric) {
+            carried = geographic_to_geocentric(source.ellipsoid, geographic);
+        }
+        settled = true;
+        if (throughBessel) {
+            const Geocentric inBessel = source.bessel ? carried : datum_step(source.parameters, carried);
+            if (const Status found = normalHeights.in_bessel_datum(inBessel, geographic.h, settled);
+                found != status::ok) {
+                return found;
+            }
+            // Between systems of the same ellipsoid the Bessel datum serves the height alone.
+            if (settled && !sameEllipsoid) {
+                carried = target.bessel ? inBessel : datum_step(target.parameters, inBessel);
+            }
+        }
     }
-    if (!sourceGeocentric) {
-        geocentric = geographic_to_geocentric(source.ellipsoid, geographic);
-    }
-    if (!sameEllipsoid) {
-        geocentric = through_bessel_datum(source, target, geocentric);
-    }
-    Point reached = {geocentric.x, geocentric.y, geocentric.z};
-    if (target.kind != ProjectionKind::geocentric) {
+    Point reached = {carried.x, carried.y, carried.z};
+    if (!targetGeocentric) {
         // Between Bessel systems of the same ellipsoid latitude, longitude and height pass as they are.
         const bool unchanged = sameEllipsoid && source.bessel && !sourceGeocentric;
         if (!unchanged) {
-            const Status converted = geocentric_to_geographic(target.ellipsoid, geocentric, geographic);
+            const Status converted = geocentric_to_geographic(target.ellipsoid, carried, geographic);
             if (converted != status::ok) {
                 return converted;
             }
         }
+        normalHeights.at_target(geographic);
         if (const Status written = geographic_to_target(target, geographic, reached); written != status::ok) {
             return written;
         }
     }
-
-    const auto finite = [](double value) { return std::isfinite(value); };
-    if (!std::all_of(reached.begin(), reached.end(), finite) || !std::isfinite(result[3])) {
+    if (!are_finite(reached) || !std::isfinite(result[3])) {
         return status::noGeographicCoordinates;
     }
     std::copy(reached.begin(), reached.end(), result.begin());
-    return status::ok;
+    return normalHeights.status();
 }
 
 }  // namespace lagestatus

@@ -56,7 +56,7 @@ Status run_driver(const Point& point, int sourceCode, int targetCode, std::strin
         .sourceIsNormal = normalHeight && sourceSide.kind != ProjectionKind::geocentric,
         .targetWantsNormal = targetSide.kind != ProjectionKind::geocentric,
     };
-    return transform_point(point, sourceSide, targetSide, heights, result);
+    return transform_point(point, sourceSide, targetSide, heights, directory, result);
 }
 
 }  // namespace lagestatus

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "base/system_description.h"
+#include "datafiles/data_file.h"
 #include "datafiles/definition_file.h"
 #include "datafiles/parameter_file.h"
 #include "engine/pipeline.h"
@@ -21,6 +22,8 @@ constexpr int scrambledFiles = 1;  // of the scrambled flag
 // What transr_dll takes of its texts, with a terminator.
 constexpr std::size_t kindSize = 15;
 constexpr std::size_t ellipsoidSize = 12;
+// One character more than a directory may have: a longer one is refused as a whole when a file is to be opened.
+constexpr std::size_t directorySize = DataFile::maxDirectory + 2;
 
 Status describe(Column column, const char16_t* dataDir, const char16_t* fileBase, int scrambled, int code,
                 SystemDescription& description) noexcept {
@@ -117,7 +120,7 @@ int translD_dll(const lagestatus_char* dataDir, int* scrambled, int* count, int*
 int transr_dll(const double* point, const lagestatus_char* sourceKind, const lagestatus_char* targetKind,
                double* result, const lagestatus_char* sourceEllipsoid, const double* sourceParameters,
                const lagestatus_char* targetEllipsoid, const double* targetParameters, int zoneNumber,
-               int sourceHeightFlag, int targetHeightFlag, const lagestatus_char* /*dataDir*/) {
+               int sourceHeightFlag, int targetHeightFlag, const lagestatus_char* dataDir) {
     const auto sourceKindText = narrow_cut<kindSize>(sourceKind);
     const auto targetKindText = narrow_cut<kindSize>(targetKind);
     const auto sourceEllipsoidText = narrow_cut<ellipsoidSize>(sourceEllipsoid);
@@ -128,8 +131,10 @@ int transr_dll(const double* point, const lagestatus_char* sourceKind, const lag
                       Parameters(targetParameters, parameterCount), zoneNumber);
     const HeightFlags heights = {.sourceIsNormal = sourceHeightFlag == flagSet,
                                  .targetWantsNormal = targetHeightFlag == flagSet};
+    const auto directory = narrow_cut<directorySize>(dataDir);
     Result reached = {};
-    const Status status = transform_point({point[0], point[1], point[2]}, source, target, heights, reached);
+    const Status status =
+        transform_point({point[0], point[1], point[2]}, source, target, heights, directory.view(), reached);
     std::copy(reached.begin(), reached.end(), result);
     return status;
 }

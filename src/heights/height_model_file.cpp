@@ -1,0 +1,227 @@
+#include "heights/height_model_file.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <span>
+
+#include "base/angles.h"
+#include "base/int_cast.h"
+#include "datafiles/field_scanner.h"
+
+namespace lagestatus {
+namespace {
+
+constexpr std::string_view fileName = "hoehe.ini";
+
+enum class Check : std::uint8_t { none, notNegative, positive };
+enum class Unit : std::uint8_t { asWritten, degrees, arcSeconds };  // angles are radians once read
+
+struct Field {
+    Status failure;
+    double& (*place)(HeightModel&) noexcept;
+    Check check = Check::none;
+    Unit unit = Unit::asWritten;
+};
+
+template <std::size_t Slot>
+double& datum(HeightModel& model) noexcept {
+    return model.datum[Slot];
+}
+
+// The header: one data line a field, in this order; each holds one number, anything behind it is ignored.
+constexpr std::array<Field, 29> fields = {{
+    {27, [](HeightModel& m) noexcept -> double& { return m.bessel.a; }, Check::positive},
+    {28, [](HeightModel& m) noexcept -> double& { return m.bessel.b; }, Check::positive},
+    {127, [](HeightModel& m) noexcept -> double& { return m.grs80.a; }, Check::positive},
+    {128, [](HeightModel& m) noexcept -> double& { return m.grs80.b; }, Check::positive},
+    {29, datum<slot::translationX>},
+    {30, datum<slot::translationY>},
+    {31, datum<slot::translationZ>},
+    {32, datum<slot::rotationX>},
+    {33, datum<slot::rotationY>},
+    {34, datum<slot::rotationZ>},
+    {35, datum<slot::datumScale>},
+    {36, datum<slot::reductionX>},
+    {37, datum<slot::reductionY>},
+    {38, datum<slot::reductionZ>},
+    {39, datum<slot::intermediateTranslationX>},
+    {40, datum<slot::intermediateTranslationY>},
+    {41, datum<slot::intermediateTranslationZ>},
+    {42, datum<slot::intermediateRotationX>},
+    {43, datum<slot::intermediateRotationY>},
+    {44, datum<slot::intermediateRotationZ>},
+    {45, datum<slot::intermediateScale>},
+    {46, datum<slot::intermediateReductionX>},
+    {47, datum<slot::intermediateReductionY>},
+    {48, datum<slot::intermediateReductionZ>},
+    {101, [](HeightModel& m) noexcept -> double& { return m.lamR; }, Check::notNegative, Unit::degrees},
+    {102, [](HeightModel& m) noexcept -> double& { return m.phiR; }, Check::notNegative, Unit::degrees},
+    {103, [](HeightModel& m) noexcept -> double& { return m.xiR; }, Check::none, Unit::arcSeconds},
+    {104, [](HeightModel& m) noexcept -> double& { return m.etaR; }, Check::none, Unit::arcSeconds},
+    {105, [](HeightModel& m) noexcept -> double& { return m.zetaR; }},
+}};
+constexpr std::size_t axesOfBessel = 2;  // the first fields
+
+// Written so that a value that cannot be compared is outside.
+bool inside(Check check, double value) noexcept {
+    switch (check) {
+        case Check::none:
+            return true;
+        case Check::notNegative:
+            return value >= 0.0;
+        case Check::positive:
+            return value > 0.0;
+    }
+    return false;
+}
+
+double converted(Unit unit, double value) noexcept {
+    switch (unit) {
+        case Unit::asWritten:
+            break;
+        case Unit::degrees:
+            return value * degree;
+        case Unit::arcSeconds:
+            return value * degree / 3600.0;
+    }
+    return value;
+}
+
+Status read_field(const Field& field, std::string_view text, HeightModel& model) noexcept {
+    double value = 0.0;
+    if (!FieldScanner(text).number(value) || !inside(field.check, value)) {
+        return field.failure;
+    }
+    field.place(model) = converted(field.unit, value);
+    return status::ok;
+}
+
+constexpr char degreeSign = '\xB0';
+
+// An angle as 52°27'12.5", no blank before any of the three signs. The last sign may be missing where nothing follows
+// that needs it, so it is left to the caller.
+bool sexagesimal(FieldScanner& scanner, double& angle) noexcept {
+    int degrees = 0;
+    int minutes = 0;
+    double seconds = 0.0;
+    if (!scanner.integer(degrees) || !scanner.literal(degreeSign) || !scanner.integer(minutes) ||
+        !scanner.literal('\'') || !scanner.number(seconds)) {
+        return false;
+    }
+    angle = degrees + minutes / 60.0 + seconds / 3600.0;
+    return degrees >= 0 && degrees <= 359 && minutes >= 0 && minutes <= 59 && seconds >= 0.0 &&
+           seconds <= 60.0;
+}
+
+// Smallest value, largest value and spacing, in degrees or, where the degree sign stands in the line, sexagesimal.
+bool read_range(std::string_view text, GridAxis& axis) noexcept {
+    FieldScanner scanner(text);
+    if (text.find(degreeSign) != std::string_view::npos) {
+        if (!sexagesimal(scanner, axis.smallest) || !scanner.literal('"') ||
+            !sexagesimal(scanner, axis.largest) || !scanner.literal('"') ||
+            !sexagesimal(scanner, axis.spacing)) {
+            return false;
+        }
+    } else if (!scanner.number(axis.smallest) || !scanner.number(axis.largest) ||
+               !scanner.number(axis.spacing)) {
+        return false;
+    }
+    if (!(axis.smallest >= 0.0 && axis.largest >= 0.0 && axis.spacing > 0.0 &&
+          axis.largest - axis.smallest > 0.0)) {
+        return false;
+    }
+    // A little more than 1, so that rounding does not lose the last value.
+    const auto count = truncated((axis.largest - axis.smallest) / axis.spacing + 1.000005);
+    axis.count = count.value_or(0);
+    return count.has_value();
+}
+
+constexpr int valuesPerLine = 7;
+constexpr double noValue = 999999.0;  // marks a place of the grid without a value
+
+// Takes the value at the front of a grid line: up to the next space or the line's end, and the blanks behind it.
+std::string_view without_value_ahead(std::string_view text) noexcept {
+    text.remove_prefix(std::min(text.find_first_of(" \n"), text.size()));
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    return text;
+}
+
+}  // namespace
+
+Status HeightModelFile::open(std::string_view directory) noexcept {
+    if (!file.open(directory.empty() ? "." : directory, fileName)) {
+        return status::heightModelNotOpened;
+    }
+    return read_key(file, key);
+}
+
+Status HeightModelFile::read_bessel_axes(Ellipsoid& bessel) noexcept {
+    HeightModel model;
+    for (const Field& field : std::span(fields).first(axesOfBessel)) {
+        if (const Status read = next_data_line(file, line, key); read != status::ok) {
+            return read;
+        }
+        if (const Status read = read_field(field, line.text(), model); read != status::ok) {
+            return read;
+        }
+    }
+    bessel = model.bessel;
+    return status::ok;
+}
+
+Status HeightModelFile::read_header(HeightModel& model, bool& empty) noexcept {
+    empty = true;
+    for (const Field& field : fields) {
+        if (const Status read = next_data_line(file, line, key); read != status::ok) {
+            return empty ? status::ok : read;
+        }
+        empty = false;
+        if (const Status read = read_field(field, line.text(), model); read != status::ok) {
+            return read;
+        }
+    }
+    struct Range {
+        GridAxis& axis;
+        Status failure;
+    };
+    for (const auto& [axis, failure] :
+         {Range{model.longitude, status::longitudeRange}, Range{model.latitude, status::latitudeRange}}) {
+        if (const Status read = next_data_line(file, line, key); read != status::ok) {
+            return read;
+        }
+        if (!read_range(line.text(), axis)) {
+            return failure;
+        }
+    }
+    return status::ok;
+}
+
+Status HeightModelFile::grid_value(std::int64_t number, double& value) noexcept {
+    const std::int64_t wantedLine = number / valuesPerLine;
+    const auto wantedPlace = static_cast<int>(number % valuesPerLine);
+    if (wantedLine > lineNumber) {
+        if (const Status skipped = skip_data_lines(file, key, wantedLine - lineNumber - 1);
+            skipped != status::ok) {
+            return skipped;
+        }
+        if (const Status read = next_data_line(file, line, key); read != status::ok) {
+            return read;
+        }
+        lineNumber = wantedLine;
+        rest = line.text();
+        place = 0;
+    }
+    for (; place < wantedPlace; ++place) {
+        rest = without_value_ahead(rest);
+    }
+    rest = {std::find_if_not(rest.begin(), rest.end(), is_blank), rest.end()};
+    double read = 0.0;
+    if (!FieldScanner(rest).number(read) || read == noValue) {
+        return status::gridValue;
+    }
+    value = read;
+    return status::ok;
+}
+
+}  // namespace lagestatus
