@@ -9,6 +9,7 @@
 #include <iostream>
 #include <map>
 #include <string_view>
+#include <utility>
 
 #include "library.h"
 #include "point_line.h"
@@ -164,11 +165,14 @@ constexpr int degreeDecimals = 9;
 // Writes the rows of one run and counts what became of them.
 class PointWriter {
   public:
-    PointWriter(const TransformOptions& transformOptions, const System& source, const System& target)
+    // toFile: the parameter file of the target, as messages name it.
+    PointWriter(const TransformOptions& transformOptions, const System& from, const System& to,
+                std::string toFile)
         : options(transformOptions),
-          sourceGeocentric(source.kind.starts_with("Geozentrisch")),
-          targetGeocentric(target.kind.starts_with("Geozentrisch")),
-          targetGeographic(target.kind.starts_with("Geographisch")) {}
+          source(from),
+          target(to),
+          targetFile(std::move(toFile)),
+          targetGeographic(to.kind.starts_with("Geographisch")) {}
 
     void line(std::string_view text, const std::string& place) {
         if (is_passed_through(text)) {
@@ -178,7 +182,7 @@ class PointWriter {
         }
         ++rows;
         PointLine read = read_point_line(text);
-        if (read.error.empty() && sourceGeocentric && !read.hasHeight) {
+        if (read.error.empty() && source.geocentric() && !read.hasHeight) {
             read.error = "the third coordinate is missing";
         }
         if (!read.error.empty()) {
@@ -187,18 +191,28 @@ class PointWriter {
             failed_row(text, read.error);
             return;
         }
-        const Transformed transformed =
-            transform(options.directory, options.from, options.to, options.heightMode, read.point);
-        if (transformed.status == 0) {
-            good_row(transformed.result, read);
-            return;
+        // Outside the Bessel datum a normal height given is corrected only if one is wanted.
+        const Heights heights = {options.normalGiven, options.normalGiven || writes_normal_heights(read)};
+        const Transformed transformed = transform(options.directory, source, target, heights, read.point);
+        const int status = transformed.status;
+        // Where normal heights play no part, their failing is none of the row.
+        const bool heightsMatter =
+            (options.normalGiven && !source.geocentric()) || writes_normal_heights(read);
+        const bool complete = status == 0 || (has_place(transformed) && !heightsMatter);
+        // All of X, Y, Z hangs on the height.
+        const bool hasPlace = has_place(transformed) && !target.geocentric();
+        std::string reason;
+        if (!complete) {
+            ++statuses[status];
+            const std::string file =
+                status >= heightModelFrom ? in_directory(options.directory, "hoehe.ini") : targetFile;
+            reason = std::to_string(status) + " " + message(status, file);
         }
-        ++statuses[transformed.status];
-        // All other files were read before the first row; should one have changed since, the directory is named.
-        const std::string file = transformed.status >= heightModelFrom
-                                     ? in_directory(options.directory, "hoehe.ini")
-                                     : options.directory;
-        failed_row(read.rest, std::to_string(transformed.status) + " " + message(transformed.status, file));
+        if (complete || hasPlace) {
+            row(transformed.result, read, complete, reason);
+        } else {
+            failed_row(read.rest, reason);
+        }
     }
 
     // Whether there was no point yet.
@@ -221,14 +235,34 @@ class PointWriter {
     }
 
   private:
-    void good_row(const std::array<double, LAGESTATUS_RESULT_SIZE>& result, const PointLine& read) const {
+    // A place without its height: all coordinates were computed, the height model gave nothing.
+    [[nodiscard]] static bool has_place(const Transformed& transformed) {
+        const auto& at = transformed.result;
+        return transformed.status >= heightModelFrom && (at[0] != 0.0 || at[1] != 0.0 || at[2] != 0.0);
+    }
+
+    [[nodiscard]] bool writes_normal_heights(const PointLine& read) const {
+        return options.normalWanted && !target.geocentric() && read.hasHeight;
+    }
+
+    // The coordinates; where the height model gave nothing, stars for the heights that need it.
+    void row(const std::array<double, LAGESTATUS_RESULT_SIZE>& result, const PointLine& read, bool complete,
+             const std::string& reason) const {
         const int decimals = targetGeographic ? degreeDecimals : metreDecimals;
+        const auto column = [](bool known, double value) {
+            known ? std::printf(" %14.*f", metreDecimals, value) : std::printf(" %14s", "*");
+        };
         std::printf("%14.*f %14.*f", decimals, result[0], decimals, result[1]);
-        if (read.hasHeight || targetGeocentric) {
-            std::printf(" %14.*f", metreDecimals, result[2]);
+        if (read.hasHeight || target.geocentric()) {
+            column(complete || !options.normalGiven || source.geocentric(), result[2]);
         }
-        put(read.rest.empty() ? "" : "  ");
-        put(read.rest);
+        if (writes_normal_heights(read)) {
+            column(complete, result[3]);
+        }
+        for (const std::string_view text : {read.rest, std::string_view(reason)}) {
+            put(text.empty() ? "" : "  ");
+            put(text);
+        }
         put("\n");
     }
 
@@ -241,8 +275,9 @@ class PointWriter {
     }
 
     const TransformOptions& options;
-    bool sourceGeocentric;
-    bool targetGeocentric;
+    const System& source;
+    const System& target;
+    std::string targetFile;
     bool targetGeographic;
     std::size_t rows = 0;
     std::size_t unreadable = 0;
@@ -354,7 +389,9 @@ int transform_points(const TransformOptions& options) {
             return nothingDone;
         }
     }
-    PointWriter writer(options, source, target);
+    const Entry& targetEntry = *find_entry(definition, options.to);
+    PointWriter writer(options, source, target,
+                       in_directory(options.directory, parameter_file_name(definition, targetEntry)));
     bool readable = true;
     if (files.empty()) {
         readable = transform_stream(std::cin, "standard input", writer);

@@ -14,7 +14,8 @@ struct TransformOptions {
     std::string directory = ".";
     int from = 0;
     int to = 0;
-    char heightMode = 'e';
+    bool normalGiven = false;        // the heights of the points are normal heights
+    bool normalWanted = false;       // a column of normal heights is wanted
     std::vector<std::string> files;  // none: standard input
 };
 

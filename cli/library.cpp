@@ -163,20 +163,16 @@ std::string parameter_file_name(const Definition& definition, const Entry& entry
     return to_utf8(entry.fileBase) + (definition.scrambled ? ".tr0" : ".tra");
 }
 
-Transformed transform(const std::string& directory, int from, int to, char heightMode,
-                      const std::array<double, 3>& point) {
-    NameBuffer sourceName = {};
-    NameBuffer targetName = {};
-    EllipsoidBuffer sourceEllipsoid = {};
-    EllipsoidBuffer targetEllipsoid = {};
-    KindBuffer sourceKind = {};
-    KindBuffer targetKind = {};
-    std::array<int, 2> auxiliary = {};
+Transformed transform(const std::string& directory, const System& source, const System& target,
+                      Heights heights, const std::array<double, 3>& point) {
+    constexpr int flagSet = -1;
     Transformed transformed;
     transformed.status =
-        trans_dll(point[0], point[1], point[2], from, to, path_units(directory).c_str(), &heightMode,
-                  transformed.result.data(), sourceName.data(), auxiliary.data(), sourceEllipsoid.data(),
-                  sourceKind.data(), targetName.data(), targetEllipsoid.data(), targetKind.data());
+        transr_dll(point.data(), from_utf8(source.kind).c_str(), from_utf8(target.kind).c_str(),
+                   transformed.result.data(), from_utf8(source.ellipsoid).c_str(), source.parameters.data(),
+                   from_utf8(target.ellipsoid).c_str(), target.parameters.data(), target.zoneNumber,
+                   heights.normalGiven && !source.geocentric() ? flagSet : 0,
+                   heights.normalWanted && !target.geocentric() ? flagSet : 0, path_units(directory).c_str());
     return transformed;
 }
 

@@ -27,6 +27,7 @@ struct System {
     std::string name;
     std::string ellipsoid;
     std::string kind;
+    [[nodiscard]] bool geocentric() const { return kind.starts_with("Geozentrisch"); }
     int zoneNumber = 0;
     std::array<double, LAGESTATUS_PARAMETER_COUNT> parameters = {};
 };
@@ -47,8 +48,14 @@ System read_system(const std::string& directory, const Definition& definition, c
 // The name of an entry's parameter file, in UTF-8.
 std::string parameter_file_name(const Definition& definition, const Entry& entry);
 
-Transformed transform(const std::string& directory, int from, int to, char heightMode,
-                      const std::array<double, 3>& point);
+// One point between two systems that were read as source and target. A normal height is given or wanted only for
+// systems that are not geocentric; directory is where the height model lies.
+struct Heights {
+    bool normalGiven = false;
+    bool normalWanted = false;
+};
+Transformed transform(const std::string& directory, const System& source, const System& target,
+                      Heights heights, const std::array<double, 3>& point);
 
 // The library's German message for a status, fileName inserted where it names a file; empty if it has none.
 std::string message(int status, std::string_view fileName);

@@ -46,6 +46,8 @@ int run(int argc, char** argv) {
     transform->add_option("--height", height, "Heights given: e ellipsoidal, n normal heights")
         ->check(CLI::IsMember({"e", "n"}, CLI::ignore_case))
         ->capture_default_str();
+    transform->add_flag("--heights", options.normalWanted,
+                        "One column more: the normal height (not for geocentric targets)");
     transform->add_option("FILE", options.files, "Files of points; standard input when there is none");
 
     CLI::App* const message = app.add_subcommand("message", "Print the message for a status");
@@ -57,7 +59,7 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? cli::allGood : cli::nothingDone;
     }
-    options.heightMode = height.front();
+    options.normalGiven = height == "n" || height == "N";
     if (list->parsed()) {
         return cli::list_systems(options.directory);
     }

@@ -36,8 +36,9 @@ printf '\357\273\277''52.5 13.4 100 Ort Ä\r\n' >"$work/in"
 check 0 '^ *52\.498595283 +13\.398258473 +140\.9639  Ort Ä$' - transform --from 101 --to 201 -d "$sample"
 check 0 '^ *3785273\.0479 +901657\.6570 +5036881\.2583' - transform --from 101 --to 202 -d "$sample"
 check 0 '^ *52\.498595283 .*Ä$' - transform --from 101 --to 201 -d "$sample" "$work/in"
-check 1 '\*  Ort Ä  1110 Datei .*hoehe\.ini existiert nicht' '1 of 1 points failed: 1 with status 1110' \
-    transform --from 101 --to 201 -d "$sample" --height n
+check 0 '^ *52\.498595283 +13\.398258472 +139\.3263  Ort Ä$' - transform --from 101 --to 201 -d "$sample" --height n
+check 0 '^ *52\.498595283 +13\.398258473 +140\.9639 +101\.6376  Ort Ä$' - \
+    transform --from 101 --to 201 -d "$sample" --heights
 check 2 - 'status 93: Zur Lagestatusangabe existiert keine' transform --from 101 --to 999 -d "$sample"
 check 2 - 'Definitionsdatei /none/DEFAULT kann zum Lesen nicht geöffnet' transform --from 1 --to 2 -d /none
 check 2 - 'more than 99 characters' list -d "$(printf 'd%.0s' $(seq 100))"
@@ -67,6 +68,16 @@ cp "$sample"/* "$work/"
 LC_ALL=C sed -i 's/^\([-0-9.e]*\)  *[-0-9.e]*$/\1/' "$work/system-42-83-geographisch.tra"
 check 0 '^301 .*System 42/83 geographisch \(source only: status 70\)$' - list -d "$work"
 check 0 '^14 +translation in Y +-126\.4 +- +m$' - show 301 -d "$work"
+# Without a height model: the place is there, what needs a normal height is marked or fails.
+rm "$work/hoehe.ini"
+printf '52 13 7 P\n' >"$work/in"
+missing='1110 Datei .*hoehe\.ini existiert nicht'
+check 0 '^ *51\.9986[0-9]* +12\.9983[0-9]* +[0-9.]+  P$' - transform --from 101 --to 201 -d "$work"
+check 0 '^ *52\.0[0-9]* +13\.0[0-9]* +[-0-9.]+  P$' - transform --from 201 --to 101 -d "$work"
+check 1 "^ *51\.9986[0-9]* +12\.9983[0-9]* +[0-9.]+ +\*  P  $missing" '1 of 1 points failed: 1 with status 1110' \
+    transform --from 101 --to 201 -d "$work" --heights
+check 1 "^ *51\.9986[0-9]* +12\.9983[0-9]* +\*  P  $missing" 1110 transform --from 101 --to 201 -d "$work" --height n
+check 1 "^ *\* +\* +\*  P  $missing" 'status 1110' transform --from 201 --to 203 -d "$work" --height n
 printf '52 13 7\n' >"$work/in"
 check 0 '^ *3834198\.6183 +885064\.4592 +5002813\.0793$' - transform --from 301 --to 202 -d "$work"
 printf '101\n' >"$work/etrs89-geographisch.tra"
