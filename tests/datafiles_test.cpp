@@ -6,14 +6,14 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 
 #include "datafiles/field_scanner.h"
 #include "datafiles/line_reader.h"
 #include "support.h"
 
 using namespace testing_support;
-using lagestatus::FieldScanner;
-using lagestatus::LineKind;
+using namespace lagestatus;
 
 namespace {
 
@@ -58,6 +58,38 @@ std::string all_lines(const std::string& content, const std::string& keyText) {
 TEST(LineReader, KnowsTheKindsOfLines) {
     for (const Row& row : rows("lines.tsv")) {
         EXPECT_EQ(all_lines(row[1], row[0]), row[2]) << row[0] << ' ' << row[1].substr(0, 40);
+    }
+}
+
+TEST(LineReader, SkipsWhatItWouldRead) {
+    std::mt19937_64 random(20261123);  // any number: the cases must repeat
+    const DataDirectory directory;
+    for (int round = 0; round < 300; ++round) {
+        // Lines of every length up to two blocks, comments and blanks among them, stored as they may.
+        std::string content;
+        for (int line = 0; line < 40; ++line) {
+            static constexpr std::size_t lengths[] = {0, 1, 5, 60, 997, 998, 999, 1000, 2500, 20000};
+            content += repeated(random() % 3, " #\t\v\r\x1F"[random() % 6]);
+            content += repeated(lengths[random() % 10] + random() % 2, static_cast<char>(random() % 90));
+            content += random() % 8 == 0 ? "\r\n" : "\n";
+        }
+        directory.write("lines", content);
+        for (const int key : {0, 1, 7, 300}) {
+            const int count = static_cast<int>(random() % 60);
+            Line line;
+            DataFile reading;
+            DataFile skipping;
+            ASSERT_TRUE(reading.open(directory.path(), "lines") && skipping.open(directory.path(), "lines"));
+            int expected = 0;
+            for (int number = 0; number < count && expected == 0; ++number) {
+                expected = next_data_line(reading, line, key);
+            }
+            ASSERT_EQ(skip_data_lines(skipping, key, count), expected);
+            ASSERT_EQ(skipping.available().substr(0, 1), reading.available().substr(0, 1));
+            Line next;
+            ASSERT_EQ(next_data_line(skipping, next, key), next_data_line(reading, line, key));
+            ASSERT_EQ(next.text(), line.text());
+        }
     }
 }
 

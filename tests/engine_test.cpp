@@ -227,8 +227,8 @@ TEST(DatumStep, ChoosesItsStages) {
 // is needed.
 int transr(std::array<double, 4>& point, const std::string& sourceKind, const std::string& targetKind,
            const std::string& sourceEllipsoid, const std::string& targetEllipsoid,
-           const ParameterArray& source, const ParameterArray& target, int sourceFlag = 0,
-           int targetFlag = 0, int zone = 0) {
+           const ParameterArray& source, const ParameterArray& target, int sourceFlag = 0, int targetFlag = 0,
+           int zone = 0) {
     return transr_dll(point.data(), wide(sourceKind).c_str(), wide(targetKind).c_str(), point.data(),
                       wide(sourceEllipsoid).c_str(), source.data(), wide(targetEllipsoid).c_str(),
                       target.data(), zone, sourceFlag, targetFlag, wide(SAMPLE_DIR).c_str());
@@ -297,13 +297,6 @@ TEST(Pipeline, FindsTheStripOfTheTarget) {
                   std::stoi(row[6]));
         EXPECT_EQ(std::floor(point[1] / 1e6), std::stod(row[7]));
     }
-}
-
-// Metres on the ground for one unit of a coordinate.
-std::array<double, 3> metres_per_unit(int code, double latitude) {
-    const double perDegree = 6.4e6 / radian;
-    return code % 10 == 1 ? std::array{perDegree, perDegree * std::cos(latitude / radian), 1.0}
-                          : std::array{1.0, 1.0, 1.0};
 }
 
 TEST(Sample, AgreesWithProj) {

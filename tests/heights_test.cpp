@@ -19,8 +19,6 @@ using namespace lagestatus;
 
 namespace {
 
-constexpr double radian = 180 / M_PI;
-
 // GRS80 on both sides, no datum step, no correction: 9 columns and 5 rows from 40 m, 1 more for
 // every column and 2 for every row.
 std::vector<std::string> good_model() {
@@ -314,12 +312,162 @@ TEST(NormalHeights, AreTheSameWhereverAPointComesFrom) {
                 const Transformed done = transform(SAMPLE_DIR, from, to, withNormal, letter);
                 ASSERT_EQ(done.status, 0);
                 EXPECT_EQ(done.result[3], geocentric(from) ? ellipsoidal.result[3] : normal);
-                EXPECT_EQ(done.result[0], expected.result[0] + (done.result[0] - expected.result[0]));
-                EXPECT_NEAR(done.result[2], expected.result[2],
-                            bessel(from) || uncorrected ? tol : tolIteration);
+                const auto scale = metres_per_unit(to, place[0]);
+                for (std::size_t i = 0; i < 3; ++i) {
+                    EXPECT_NEAR(done.result[i] * scale[i], expected.result[i] * scale[i],
+                                i < 2 || bessel(from) || uncorrected ? tol : tolIteration);
+                }
             }
         }
     }
+}
+
+// With 1000 and above the place may be there all the same: the height given is then taken as ellipsoidal.
+TEST(NormalHeights, FailWithTheStatusOfTheHeightModel) {
+    const DataDirectory directory;
+    for (const auto& file : std::filesystem::directory_iterator(SAMPLE_DIR)) {
+        if (file.path().filename() != "hoehe.ini") {
+            std::filesystem::copy(file, directory.path());
+        }
+    }
+    const std::size_t handles = open_file_handles();
+    const std::array<double, 3> place = {52.5, 13.4, 350};
+    for (const Row& row : rows("height_statuses.tsv")) {
+        SCOPED_TRACE(::testing::PrintToString(row));
+        if (row[0] != "-") {
+            directory.write("hoehe.ini", row[0]);
+        }
+        const int from = std::stoi(row[1]);
+        const Transformed given = transform(SAMPLE_DIR, 101, from, place);
+        const std::array<double, 3> point = {given.result[0], given.result[1], given.result[2]};
+        const Transformed done = transform(directory.path(), from, std::stoi(row[2]), point, row[3][0]);
+        EXPECT_EQ(done.status, std::stoi(row[4]));
+        if (row[5] == "yes") {
+            const Transformed expected = transform(SAMPLE_DIR, from, std::stoi(row[2]), point);
+            EXPECT_TRUE(std::equal(done.result.begin(), done.result.end() - 1, expected.result.begin()));
+        } else {
+            EXPECT_EQ(done.result, (std::array<double, 4>{0, 0, 0, done.status < 1000 ? 0 : point[2]}));
+        }
+    }
+    EXPECT_EQ(open_file_handles(), handles);
+}
+
+// transr_dll between systems on GRS80 (named as given) and one on another ellipsoid, both flags as given.
+struct Road {
+    int status = 0;
+    std::array<double, 4> result = {};
+};
+Road carry(const std::string& directory, const std::array<double, 3>& point, const ParameterArray& source,
+           const ParameterArray& target, const std::u16string& sourceKind,
+           const std::u16string& sourceEllipsoid, const std::u16string& targetEllipsoid, int sourceFlag) {
+    Road road;
+    road.status = transr_dll(point.data(), sourceKind.c_str(), u"Geographisch", road.result.data(),
+                             sourceEllipsoid.c_str(), source.data(), targetEllipsoid.c_str(), target.data(),
+                             0, sourceFlag, -1, wide(directory).c_str());
+    return road;
+}
+
+ParameterArray neutral_parameters() {
+    ParameterArray p = {};
+    p[slot::semiMajorAxis] = 6378137.0;
+    p[slot::semiMinorAxis] = 6356752.314140356;
+    p[slot::datumScale] = 1.0;
+    return p;
+}
+
+TEST(NormalHeights, IterateTwentyTimesAtMost) {
+    const DataDirectory directory;
+    const auto write_model = [&directory](const std::string& longitudes) {
+        std::vector<std::string> lines = good_model();
+        lines[29] = longitudes;
+        directory.write("hoehe.ini", "0\n" + join(lines));
+    };
+    const ParameterArray target = neutral_parameters();
+    // The datum step of the source turns and stretches all heights around the place by its scale: every pass leaves
+    // (1 - scale) of the height anomaly, 45.6 m, that the pass before it missed.
+    const auto iterate = [&](double scale, double turn) {
+        ParameterArray source = target;
+        const Geocentric middle = geographic_to_geocentric(
+            {source[slot::semiMajorAxis], source[slot::semiMinorAxis]}, {51.4 * degree, 9.3 * degree, 0});
+        source[slot::translationX] = source[slot::reductionX] = middle.x;
+        source[slot::translationY] = source[slot::reductionY] = middle.y;
+        source[slot::translationZ] = source[slot::reductionZ] = middle.z;
+        source[slot::datumScale] = scale;
+        source[slot::rotationZ] = turn;
+        return carry(directory.path(), {51.4, 9.3, 0}, source, target, u"Geographisch", u"GRS80", u"WGS84",
+                     -1);
+    };
+    write_model("9.0 10.0 0.125");
+    const Road once = iterate(1, 0);
+    EXPECT_EQ(once.status, 0);
+    EXPECT_NEAR(once.result[2], 45.6, 1e-6);
+    EXPECT_EQ(once.result[3], 0);
+    EXPECT_EQ(iterate(1.56, 0).status, 0) << "45.6 * 0.56^19 is below 0.001: the 20th pass is near enough";
+    const Road tooLong = iterate(1.575, 0);
+    EXPECT_EQ(tooLong.status, 92) << "45.6 * 0.575^19 is not";
+    EXPECT_EQ(tooLong.result, (std::array<double, 4>{}));
+    // The second pass, 45 m higher, lies 24 m further east or west: in the east outside the model. It ends there.
+    write_model("8.3 9.3001 0.125");
+    EXPECT_EQ(iterate(1, 1).status, 0);
+    const Road lost = iterate(1, -1);
+    EXPECT_EQ(lost.status, 1108);
+    EXPECT_GT(lost.result[1], 9.3001);
+    EXPECT_EQ(lost.result[3], 0);
+}
+
+TEST(NormalHeights, TellOfTheLastHeightAnomalyAlone) {
+    // From geocentric Bessel into another Bessel system both the point in the Bessel datum and the target are asked
+    // for; on a sphere the target's latitude is 0.19 degrees less.
+    const DataDirectory directory;
+    const ParameterArray source = neutral_parameters();
+    ParameterArray sphere = source;
+    sphere[slot::semiMinorAxis] = sphere[slot::semiMajorAxis];
+    const Geocentric p = geographic_to_geocentric({source[slot::semiMajorAxis], source[slot::semiMinorAxis]},
+                                                  {51.4 * degree, 9.3 * degree, 100});
+    for (const auto& [latitudes, status] :
+         {std::pair("51.3 52.3 0.25", 1108), std::pair("50.3 51.3 0.25", 0)}) {
+        std::vector<std::string> lines = good_model();
+        lines[30] = latitudes;
+        directory.write("hoehe.ini", "0\n" + join(lines));
+        for (const int flag : {0, -1}) {  // a geocentric source has no normal height
+            const Road road = carry(directory.path(), {p.x, p.y, p.z}, source, sphere, u"Geozentrisch",
+                                    u"Bessel", u"Bessel 2", flag);
+            EXPECT_EQ(road.status, flag == 0 ? status : 1108 - status);
+            EXPECT_NE(road.result[0], 0);
+        }
+    }
+    // A road that fails after a normal height was found keeps it.
+    directory.write("hoehe.ini", "0\n" + join(good_model()));
+    const std::array<double, 3> point = {51.4, 9.3, 100};
+    std::array<double, 4> result = {};
+    ParameterArray flat = source;
+    flat[slot::semiMinorAxis] = 0;
+    EXPECT_EQ(transr_dll(point.data(), u"Geographisch", u"Soldner", result.data(), u"Bessel", source.data(),
+                         u"GRS80", flat.data(), 0, 0, -1, wide(directory.path()).c_str()),
+              90);
+    EXPECT_EQ((std::array{result[0], result[1], result[2]}), (std::array<double, 3>{}));
+    EXPECT_NEAR(result[3], 54.4, 1e-6);
+}
+
+TEST(NormalHeights, FindTheirFile) {
+    const DataDirectory directory;
+    directory.write("hoehe.ini", "0\n" + join(good_model()));
+    const auto status_in = [](const std::string& path) {
+        const ParameterArray p = neutral_parameters();
+        return carry(path, {51.4, 9.3, 100}, p, p, u"Geographisch", u"Bessel", u"Bessel", 0).status;
+    };
+    std::string longest = directory.path();
+    longest.resize(299, '/');
+    EXPECT_EQ(status_in(longest), 0);
+    EXPECT_EQ(status_in(longest + "/"), 1110);
+    const std::filesystem::path before = std::filesystem::current_path();
+    for (const bool there : {false, true}) {
+        std::filesystem::current_path(there ? directory.path() : "/");
+        for (const char* const here : {"", "."}) {
+            EXPECT_EQ(status_in(here), there ? 0 : 1110);
+        }
+    }
+    std::filesystem::current_path(before);
 }
 
 }  // namespace

@@ -53,6 +53,13 @@ inline constexpr NamedEllipsoid ellipsoids[] = {{"Bessel", 6377397.155, 299.1528
 using Row = std::vector<std::string>;
 std::vector<Row> rows(const std::string& file);
 
+// Metres on the ground for one unit of a coordinate of a system of the sample.
+inline std::array<double, 3> metres_per_unit(int code, double latitude) {
+    const double perDegree = 6.4e6 * M_PI / 180;
+    return code % 10 == 1 ? std::array{perDegree, perDegree * std::cos(latitude * M_PI / 180), 1.0}
+                          : std::array{1.0, 1.0, 1.0};
+}
+
 // Texts as they cross the boundary; narrow() fails the test when the terminator is missing.
 std::u16string wide(std::string_view text);
 std::string narrow(const std::vector<char16_t>& buffer);
