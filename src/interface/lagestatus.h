@@ -5,8 +5,9 @@
  *
  * What the library is
  *   Each coordinate system has an integer code, its Lagestatus. The library knows no system by itself: on every
- *   call it reads what it needs from the text files of a data directory: DEFAULT, which lists the systems, and one
- *   parameter file a system (.tra, or .tr0 with scrambled lines). docs/data-files.md describes the files.
+ *   call it reads what it needs from the text files of a data directory: DEFAULT, which lists the systems, one
+ *   parameter file a system (.tra, or .tr0 with scrambled lines), and hoehe.ini, the height model.
+ *   docs/data-files.md describes the files.
  *
  * Points and units
  *   A point is three doubles, a result four; [0] and [1] depend on the kind of system:
@@ -17,8 +18,14 @@
  *     Gauss-Krueger    northing X, metres       easting Y, metres         height, metres
  *     Soldner          northing X, metres       easting Y, metres         height, metres
  *
- *   result[3] is the normal height where one is computed, else the height given. This version carries ellipsoidal
- *   heights: a normal height that would have to be corrected gives 1110, and result[3] is always the height given.
+ *   Heights are ellipsoidal, on the ellipsoid of their side, or normal heights (Normalhoehe). The two differ by the
+ *   height anomaly, which is taken from the height model: ellipsoidal = normal + anomaly. trans_dll computes the normal
+ *   height of every point whose target is not geocentric, and puts it into result[3]; where none is computed, that is
+ *   the height given. Given a normal height (letter N), result[2] is the ellipsoidal one and result[3] the one given;
+ *   outside the Bessel datum it is found by iteration to 0.001 m. Towards a geocentric target a normal height is
+ *   corrected only if the source lies in the Bessel datum; from any other it is taken as it is.
+ *   A point whose height anomaly cannot be found (status 1000 and above) is complete but for that: it counts as 0.
+ *
  *   A longitude that comes out of a datum transformation lies between -90 and 90 degrees; points beyond come back
  *   mirrored (as 180 - longitude in the east, -180 - longitude in the west).
  *
@@ -37,8 +44,9 @@
  *   names are handed to the system as these 8-bit characters.
  *   A directory or file name takes at most 99 characters (299 for transr_dll); a longer one is never cut into
  *   another name but counts as a file that cannot be opened.
- *   "." is the current directory; to any other directory a backslash and the file name are appended. Off Windows
- *   the backslash is a separator, and a file is found even when the case of its letters differs.
+ *   "." is the current directory (for hoehe.ini the empty text is, too); to any other directory a backslash and the
+ *   file name are appended. Off Windows the backslash is a separator, and a file is found even when the case of its
+ *   letters differs.
  *
  * Buffers
  *   All buffers are the caller's and must have at least the length given; no pointer may be NULL. Text buffers
@@ -68,10 +76,19 @@
  *     90                     no finite coordinates (arguments that are not finite, parameters that lead nowhere;
  *                            on the way to latitude and longitude points on the earth's axis)
  *     93                     a code is not listed in DEFAULT
- *     1000 and above         height model; 1110: it could not be opened
+ *     92                     a normal height is not found within 20 passes
+ *     1000 + k               height model hoehe.ini: 1110 not opened; 1100 the key or a line is missing; 1027, 1028,
+ *                            1127, 1128 a semi-axis; 1029 to 1048 the datum transformation; 1101 to 1105 the
+ *                            fundamental point; 1106, 1107 the extent of the grid; 1108 the point lies outside; 1109
+ *                            no value there; 1090 no finite position or height anomaly.
+ *                            The point is there all the same, with a height anomaly of 0. Only where that is taken
+ *                            in the Bessel datum between the two systems, 1110, 1100, 1027 and 1028 leave 0.0, 0.0,
+ *                            0.0: when both lie outside, when a normal height is given outside, and from a geocentric
+ *                            system in it to one on another ellipsoid
  *
  * Threads
  *   Nothing survives a call and nothing is shared between calls: no state, no cache, no heap memory, no locale.
+ *   So a height anomaly costs the reading of hoehe.ini from its start to the row of the point, southernmost first.
  *   Any number of threads may call at once, as long as they do not share output buffers.
  *
  * Not promised
@@ -123,8 +140,7 @@ LAGESTATUS_API int test_dll(double a, double b, double c, double* out);
  *           dataDir      data directory
  *           heightMode   one character: 'N' or 'n', the height is a normal height; any other, it is ellipsoidal.
  *                        A geocentric source has no height: the letter is then ignored
- * Returned: result       4 doubles; all 0.0 after the statuses 1 to 999; after 1110 0.0, 0.0, 0.0 and the height
- *                        given
+ * Returned: result       4 doubles; all 0.0 after the statuses 1 to 999; after those above as transr_dll leaves it
  *           sourceName, targetName, sourceEllipsoid, targetEllipsoid, sourceKind, targetKind
  *                        as far as they were read, empty before that
  *           auxiliary    2 ints: the auxiliary numbers of both entries in DEFAULT; -1 where there is none or the
@@ -132,7 +148,8 @@ LAGESTATUS_API int test_dll(double a, double b, double c, double* out);
  *           status       0; of DEFAULT 1, 2, 100, 600 to 799; 93; of the source's file 7 to 48, 100; of the
  *                        target's 7 to 28, 70 to 89, 100; then those of transr_dll
  *
- * The files are read in the order DEFAULT, source, target; the first failure ends the call.
+ * The files are read in the order DEFAULT, source, target, hoehe.ini; the first failure ends the call, but for 1000 + k
+ * as above.
  */
 LAGESTATUS_API int trans_dll(double coord1, double coord2, double height, int sourceCode, int targetCode,
                              const lagestatus_char* dataDir, const char* heightMode, double* result,
@@ -210,7 +227,9 @@ LAGESTATUS_API int translD_dll(const lagestatus_char* dataDir, int* scrambled, i
                                int* auxiliary, lagestatus_char* fileNames);
 
 /*
- * Transforms one point between two systems that the caller holds the descriptions of. Reads no parameter file.
+ * Transforms one point between two systems that the caller holds the descriptions of. Reads no parameter file, and
+ * hoehe.ini only where a normal height is given or wanted, or the target lies in the Bessel datum and the source
+ * outside it or is geocentric.
  *
  * Given:    point        3 doubles, in the source system
  *           sourceKind, targetKind
@@ -229,9 +248,9 @@ LAGESTATUS_API int translD_dll(const lagestatus_char* dataDir, int* scrambled, i
  *           targetHeightFlag
  *                        -1: a normal height is wanted in result[3]; to be set for targets that are not geocentric
  *           dataDir      where the height model lies; at most 299 characters
- * Returned: result       4 doubles; may be the same memory as point. After a failure 0.0, 0.0, 0.0 and point[2]
- *           status       0; 12, 14, 90, 201 to 208, 301 to 305, 401 to 405, 501 to 503 (see above); 1110 height
- *                        model needed
+ * Returned: result       4 doubles; may be the same memory as point. After a failure 0.0, 0.0, 0.0 and point[2], or
+ *                        the normal height if it was found before; with 1000 + k the point (see above)
+ *           status       0; 12, 14, 90, 92, 201 to 208, 301 to 305, 401 to 405, 501 to 503; 1000 + k (see above)
  */
 LAGESTATUS_API int transr_dll(const double* point, const lagestatus_char* sourceKind,
                               const lagestatus_char* targetKind, double* result,
