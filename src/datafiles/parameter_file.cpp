@@ -9,6 +9,7 @@
 #include "base/projection_kind.h"
 #include "datafiles/data_file.h"
 #include "datafiles/definition_file.h"
+#include "datafiles/field_check.h"
 #include "datafiles/field_scanner.h"
 #include "datafiles/line_reader.h"
 
@@ -24,8 +25,6 @@ enum class Scan : std::uint8_t {
     longitude,      // one number, then a word that may begin with the zone number
     columns,        // two numbers; a source needs the first, a target both
 };
-
-enum class Check : std::uint8_t { none, latitude, notNegative, positive };
 
 struct Field {
     Scan scan;
@@ -83,21 +82,6 @@ constexpr std::array<Field, 40> fields = {{
 // A name in the file may be longer than what is stored of it: it is cut without error.
 constexpr std::size_t quotedLimit = 300;
 
-// Written so that a value that cannot be compared is outside.
-bool inside(Check check, double value) noexcept {
-    switch (check) {
-        case Check::none:
-            return true;
-        case Check::latitude:
-            return value >= -90.0 && value <= 90.0;
-        case Check::notNegative:
-            return value >= 0.0;
-        case Check::positive:
-            return value > 0.0;
-    }
-    return false;
-}
-
 template <std::size_t N>
 bool store_text(std::string_view line, FixedText<N>& text) noexcept {
     const std::string_view quoted = quoted_text(line, quotedLimit);
@@ -137,7 +121,7 @@ Status read_field(const Field& field, std::string_view line, Column column, int 
             [[fallthrough]];
         case Scan::number:
         case Scan::longitude:
-            if (!scanner.number(value) || !inside(field.check, value)) {
+            if (!scanner.number(value) || !passes(field.check, value)) {
                 return field.failure;
             }
             break;

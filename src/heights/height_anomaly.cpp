@@ -32,8 +32,8 @@ double fundamental_point_correction(const HeightModel& model, const Geographic& 
     const double dLam = at.lam - model.lamR;
     const double cosDLam = std::cos(dLam);
 
-    const double VR = std::sqrt((aG * aG / bG / bG - 1.0) * (cosR * cosR) + 1.0);
-    const double Rm = aG * 2.0 / bG * aG / ((VR * VR) * VR + VR);
+    const double V = std::sqrt((aG * aG / bG / bG - 1.0) * (cosR * cosR) + 1.0);
+    const double Rm = aG * 2.0 / bG * aG / ((V * V) * V + V);
     const double cosPsi = cosG * cosR * cosDLam + sinR * sinG;
     const double deflections =
         std::sin(dLam) * cosG * Rm * model.etaR + (sinG * cosR - sinR * cosG * cosDLam) * Rm * model.xiR;

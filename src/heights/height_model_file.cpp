@@ -7,6 +7,7 @@
 
 #include "base/angles.h"
 #include "base/int_cast.h"
+#include "datafiles/field_check.h"
 #include "datafiles/field_scanner.h"
 
 namespace lagestatus {
@@ -14,7 +15,6 @@ namespace {
 
 constexpr std::string_view fileName = "hoehe.ini";
 
-enum class Check : std::uint8_t { none, notNegative, positive };
 enum class Unit : std::uint8_t { asWritten, degrees, arcSeconds };  // angles are radians once read
 
 struct Field {
@@ -63,19 +63,6 @@ constexpr std::array<Field, 29> fields = {{
 }};
 constexpr std::size_t axesOfBessel = 2;  // the first fields
 
-// Written so that a value that cannot be compared is outside.
-bool inside(Check check, double value) noexcept {
-    switch (check) {
-        case Check::none:
-            return true;
-        case Check::notNegative:
-            return value >= 0.0;
-        case Check::positive:
-            return value > 0.0;
-    }
-    return false;
-}
-
 double converted(Unit unit, double value) noexcept {
     switch (unit) {
         case Unit::asWritten:
@@ -90,7 +77,7 @@ double converted(Unit unit, double value) noexcept {
 
 Status read_field(const Field& field, std::string_view text, HeightModel& model) noexcept {
     double value = 0.0;
-    if (!FieldScanner(text).number(value) || !inside(field.check, value)) {
+    if (!FieldScanner(text).number(value) || !passes(field.check, value)) {
         return field.failure;
     }
     field.place(model) = converted(field.unit, value);
