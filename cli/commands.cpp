@@ -191,13 +191,12 @@ class PointWriter {
             failed_row(text, read.error);
             return;
         }
-        // Outside the Bessel datum a normal height given is corrected only if one is wanted.
-        const Heights heights = {options.normalGiven, options.normalGiven || writes_normal_heights(read)};
-        const Transformed transformed = transform(options.directory, source, target, heights, read.point);
+        // Where normal heights play no part, none is asked for, and their failing is none of the row.
+        const bool normalGiven = options.normalGiven && !source.geocentric() && (read.hasHeight || target.geocentric());
+        const bool heightsMatter = normalGiven || writes_normal_heights(read);
+        const Transformed transformed =
+            transform(options.directory, source, target, {normalGiven, heightsMatter}, read.point);
         const int status = transformed.status;
-        // Where normal heights play no part, their failing is none of the row.
-        const bool heightsMatter =
-            (options.normalGiven && !source.geocentric()) || writes_normal_heights(read);
         const bool complete = status == 0 || (has_place(transformed) && !heightsMatter);
         // All of X, Y, Z hangs on the height.
         const bool hasPlace = has_place(transformed) && !target.geocentric();

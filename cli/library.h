@@ -48,8 +48,8 @@ System read_system(const std::string& directory, const Definition& definition, c
 // The name of an entry's parameter file, in UTF-8.
 std::string parameter_file_name(const Definition& definition, const Entry& entry);
 
-// One point between two systems that were read as source and target. A normal height is given or wanted only for
-// systems that are not geocentric; directory is where the height model lies.
+// One point between two systems that were read as source and target; directory is where the height model lies. A normal
+// height given outside the Bessel datum is corrected only if one is wanted.
 struct Heights {
     bool normalGiven = false;
     bool normalWanted = false;

@@ -39,6 +39,9 @@ check 0 '^ *52\.498595283 .*Ä$' - transform --from 101 --to 201 -d "$sample" "$
 check 0 '^ *52\.498595283 +13\.398258472 +139\.3263  Ort Ä$' - transform --from 101 --to 201 -d "$sample" --height n
 check 0 '^ *52\.498595283 +13\.398258473 +140\.9639 +101\.6376  Ort Ä$' - \
     transform --from 101 --to 201 -d "$sample" --heights
+printf '52.498595283 13.398258472 100\n' >"$work/in"
+# echo 13.398258472 52.498595283 139.3263 | cct -d 4 +proj=cart +ellps=GRS80
+check 0 '^ *3785272\.07[0-9]+ +901657\.4259 +5036879\.95[0-9]+$' - transform --from 201 --to 202 -d "$sample" --height n
 check 2 - 'status 93: Zur Lagestatusangabe existiert keine' transform --from 101 --to 999 -d "$sample"
 check 2 - 'Definitionsdatei /none/DEFAULT kann zum Lesen nicht geöffnet' transform --from 1 --to 2 -d /none
 check 2 - 'more than 99 characters' list -d "$(printf 'd%.0s' $(seq 100))"

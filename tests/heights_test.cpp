@@ -19,6 +19,8 @@ using namespace lagestatus;
 
 namespace {
 
+const Ellipsoid grs80 = {6378137.0, 6356752.314140356};
+
 // GRS80 on both sides, no datum step, no correction: 9 columns and 5 rows from 40 m, 1 more for
 // every column and 2 for every row.
 std::vector<std::string> good_model() {
@@ -32,6 +34,13 @@ std::vector<std::string> good_model() {
         line += std::to_string(40 + value % 9 + 2 * (value / 9));
     }
     return lines;
+}
+
+// The good model with one of its data lines replaced.
+void write_model(const DataDirectory& directory, std::size_t number, const std::string& line) {
+    std::vector<std::string> lines = good_model();
+    lines[number - 1] = line;
+    directory.write("hoehe.ini", "0\n" + join(lines));
 }
 
 // Degrees; a value that nobody wrote stands out.
@@ -82,6 +91,10 @@ TEST(HeightModel, ReportsEveryDefect) {
             check(scrambled(lines, 7));
         }
     }
+    // A line feed inside a line, which only de-scrambling can make, ends a value and stands before one.
+    std::vector<std::string> inner = good_model();
+    inner[32] = "0 0 0 5\n40 50";
+    expect(scrambled(inner, 7), 9.3, 51.4, 0, 45.44);
     // Every data line in turn: unreadable, and missing with all that follow.
     const std::vector<std::string> good = good_model();
     for (int number = 1; number <= 31; ++number) {
@@ -166,6 +179,14 @@ TEST(HeightAnomaly, HoldsEveryBitOfItsFormulasOnGridsOfEveryWidth) {
         std::array<char, 32> chars = {};
         return std::string(chars.data(), std::to_chars(chars.data(), chars.data() + chars.size(), value).ptr);
     };
+    // Written as an angle; the value becomes what that says.
+    const auto sexagesimal = [&text](double& value) {
+        const int degrees = static_cast<int>(value);
+        const int minutes = static_cast<int>((value - degrees) * 60);
+        const double seconds = std::max(0.0, (value - degrees - minutes / 60.0) * 3600);
+        value = degrees + minutes / 60.0 + seconds / 3600.0;
+        return std::to_string(degrees) + "\xB0" + std::to_string(minutes) + "'" + text(seconds) + "\"";
+    };
     const DataDirectory directory;
     int found = 0;
     for (int round = 0; round < 1500; ++round) {
@@ -181,22 +202,28 @@ TEST(HeightAnomaly, HoldsEveryBitOfItsFormulasOnGridsOfEveryWidth) {
                    : inSet == 6 ? near(1, 1e-5)
                                 : near(0, inSet >= 3 && inSet < 6 ? 1e-4 : 500);
         }
-        const bool corrected = round % 3 > 0;
-        v[24] = corrected ? near(10, 9) : 0, v[25] = near(50, 10), v[26] = near(0, 20), v[27] = near(0, 20),
-        v[28] = near(0, 50);
+        v[24] = round % 6 == 0 ? 0 : near(10, 9);  // 0 in either coordinate: no correction
+        v[25] = round % 6 == 3 ? 0 : near(50, 10);
+        v[26] = near(0, 20), v[27] = near(0, 20), v[28] = near(0, 50);
         const int columns = 1 + round % 20;
         const int valueRows = 2 + round % 5;
-        model.lon = {9, 9 + 0.25 * std::max(columns - 1, 1) - (columns == 1 ? 0.125 : 0), 0.25};
-        model.lat = {51, 51 + 0.25 * (valueRows - 1), 0.25};
+        const double width = near(0.25, 0.1), height = near(0.25, 0.1);
+        model.lon = {near(9, 0.5), 0, width};
+        model.lon[1] = model.lon[0] + width * (columns == 1 ? 0.7 : columns - 0.999);
+        model.lat = {near(51, 0.5), 0, height};
+        model.lat[1] = model.lat[0] + height * (valueRows - 0.999);
         std::string file = "0\n";
         for (const double value : v) {
             file += text(value) + "\n";
         }
-        for (const auto& range : {model.lon, model.lat}) {
-            file += text(range[0]) + " " + text(range[1]) + " " + text(range[2]) + "\n";
+        for (auto* const range : {&model.lon, &model.lat}) {
+            for (double& value : *range) {
+                file += round % 4 == 1 ? sexagesimal(value) : text(value) + " ";
+            }
+            file += "\n";
         }
         for (int k = 0; k < columns * (valueRows + 1) + 2; ++k) {
-            model.grid.push_back(k % 97 == 96 ? 999999.0 : near(40, 10));
+            model.grid.push_back(k % 97 == 96 ? 999999.0 : near(0, 1000));
             file += text(model.grid.back()) + (k % 7 == 6   ? (k % 3 == 0 ? "\n# 1 2 3\n" : "\n")
                                                : k % 5 == 0 ? " \t"
                                                             : " ");
@@ -217,6 +244,44 @@ TEST(HeightAnomaly, HoldsEveryBitOfItsFormulasOnGridsOfEveryWidth) {
         }
     }
     EXPECT_GT(found, 20000);
+}
+
+TEST(HeightAnomaly, CountsTheBorderAsInside) {
+    const DataDirectory directory;
+    // The degrees whose radians are this angle, to the last bit; 0 if there are none.
+    const auto degrees_of = [](double angle) {
+        for (const double bound :
+             {angle / degree, std::nextafter(angle / degree, 0), std::nextafter(angle / degree, 99)}) {
+            if (bound * degree == angle) {
+                return bound;
+            }
+        }
+        return 0.0;
+    };
+    // A place that the model sees where a border can be laid.
+    double longitude = 9.3, latitude = 51.4, east = 0, north = 0;
+    for (; east == 0 || north == 0; longitude += 1e-3, latitude += 1e-3) {
+        Geographic at;
+        const Geocentric p = geographic_to_geocentric(grs80, {latitude * degree, longitude * degree, 0});
+        ASSERT_EQ(geocentric_to_geographic(grs80, p, at), 0);
+        east = degrees_of(at.lam);
+        north = degrees_of(at.phi);
+    }
+    longitude -= 1e-3, latitude -= 1e-3;
+    const auto status_with = [&](std::size_t line, double smallest, double largest, double spacing) {
+        std::ostringstream range;
+        range.precision(17);
+        range << smallest << ' ' << largest << ' ' << spacing;
+        write_model(directory, line, range.str());
+        return anomaly(directory.path(), longitude, latitude).status;
+    };
+    for (const auto& [line, bound, spacing] : {std::tuple(30, east, 0.125), std::tuple(31, north, 0.25)}) {
+        const auto number = static_cast<std::size_t>(line);
+        EXPECT_EQ(status_with(number, bound, bound + 1, spacing), 0);
+        EXPECT_EQ(status_with(number, std::nextafter(bound, 99), bound + 1, spacing), 108);
+        EXPECT_EQ(status_with(number, bound - 0.4, bound, spacing), 0);
+        EXPECT_EQ(status_with(number, bound - 0.4, std::nextafter(bound, 0), spacing), 108);
+    }
 }
 
 // The data lines of the sample's height model.
@@ -352,109 +417,148 @@ TEST(NormalHeights, FailWithTheStatusOfTheHeightModel) {
     EXPECT_EQ(open_file_handles(), handles);
 }
 
-// transr_dll between systems on GRS80 (named as given) and one on another ellipsoid, both flags as given.
-struct Road {
-    int status = 0;
-    std::array<double, 4> result = {};
-};
-Road carry(const std::string& directory, const std::array<double, 3>& point, const ParameterArray& source,
-           const ParameterArray& target, const std::u16string& sourceKind,
-           const std::u16string& sourceEllipsoid, const std::u16string& targetEllipsoid, int sourceFlag) {
-    Road road;
-    road.status = transr_dll(point.data(), sourceKind.c_str(), u"Geographisch", road.result.data(),
-                             sourceEllipsoid.c_str(), source.data(), targetEllipsoid.c_str(), target.data(),
-                             0, sourceFlag, -1, wide(directory).c_str());
-    return road;
-}
-
 ParameterArray neutral_parameters() {
     ParameterArray p = {};
-    p[slot::semiMajorAxis] = 6378137.0;
-    p[slot::semiMinorAxis] = 6356752.314140356;
+    p[slot::semiMajorAxis] = grs80.a;
+    p[slot::semiMinorAxis] = grs80.b;
     p[slot::datumScale] = 1.0;
     return p;
 }
 
+// One call of transr_dll between two systems on one ellipsoid; what is not said is as here.
+struct Call {
+    std::string directory;
+    std::array<double, 3> point = {51.4, 9.3, 100};
+    const char16_t* sourceKind = u"Geographisch";
+    const char16_t* targetKind = u"Geographisch";
+    const char16_t* sourceEllipsoid = u"GRS80";
+    const char16_t* targetEllipsoid = u"WGS84";
+    int sourceFlag = 0;
+    int targetFlag = -1;
+    ParameterArray source = neutral_parameters();
+    ParameterArray target = neutral_parameters();
+    std::array<double, 4> result = {};
+
+    int run() {
+        return transr_dll(point.data(), sourceKind, targetKind, result.data(), sourceEllipsoid, source.data(),
+                          targetEllipsoid, target.data(), 0, sourceFlag, targetFlag, wide(directory).c_str());
+    }
+};
+
 TEST(NormalHeights, IterateTwentyTimesAtMost) {
     const DataDirectory directory;
-    const auto write_model = [&directory](const std::string& longitudes) {
-        std::vector<std::string> lines = good_model();
-        lines[29] = longitudes;
-        directory.write("hoehe.ini", "0\n" + join(lines));
-    };
-    const ParameterArray target = neutral_parameters();
+    Call call = {.directory = directory.path(), .point = {51.4, 9.3, 0}, .sourceFlag = -1};
     // The datum step of the source turns and stretches all heights around the place by its scale: every pass leaves
     // (1 - scale) of the height anomaly, 45.6 m, that the pass before it missed.
+    const Geocentric middle = geographic_to_geocentric(grs80, {51.4 * degree, 9.3 * degree, 0});
+    call.source[slot::translationX] = call.source[slot::reductionX] = middle.x;
+    call.source[slot::translationY] = call.source[slot::reductionY] = middle.y;
+    call.source[slot::translationZ] = call.source[slot::reductionZ] = middle.z;
     const auto iterate = [&](double scale, double turn) {
-        ParameterArray source = target;
-        const Geocentric middle = geographic_to_geocentric(
-            {source[slot::semiMajorAxis], source[slot::semiMinorAxis]}, {51.4 * degree, 9.3 * degree, 0});
-        source[slot::translationX] = source[slot::reductionX] = middle.x;
-        source[slot::translationY] = source[slot::reductionY] = middle.y;
-        source[slot::translationZ] = source[slot::reductionZ] = middle.z;
-        source[slot::datumScale] = scale;
-        source[slot::rotationZ] = turn;
-        return carry(directory.path(), {51.4, 9.3, 0}, source, target, u"Geographisch", u"GRS80", u"WGS84",
-                     -1);
+        call.source[slot::datumScale] = scale;
+        call.source[slot::rotationZ] = turn;
+        return call.run();
     };
-    write_model("9.0 10.0 0.125");
-    const Road once = iterate(1, 0);
-    EXPECT_EQ(once.status, 0);
-    EXPECT_NEAR(once.result[2], 45.6, 1e-6);
-    EXPECT_EQ(once.result[3], 0);
-    EXPECT_EQ(iterate(1.56, 0).status, 0) << "45.6 * 0.56^19 is below 0.001: the 20th pass is near enough";
-    const Road tooLong = iterate(1.575, 0);
-    EXPECT_EQ(tooLong.status, 92) << "45.6 * 0.575^19 is not";
-    EXPECT_EQ(tooLong.result, (std::array<double, 4>{}));
+    write_model(directory, 29, "0");
+    EXPECT_EQ(iterate(1, 0), 0);
+    EXPECT_NEAR(call.result[2], 45.6, 1e-6);
+    EXPECT_EQ(call.result[3], 0);
+    EXPECT_EQ(iterate(1.56, 0), 0) << "45.6 * 0.56^19 is below 0.001: the 20th pass is near enough";
+    EXPECT_EQ(iterate(1.575, 0), 92) << "45.6 * 0.575^19 is not";
+    EXPECT_EQ(call.result, (std::array<double, 4>{}));
     // The second pass, 45 m higher, lies 24 m further east or west: in the east outside the model. It ends there.
-    write_model("8.3 9.3001 0.125");
-    EXPECT_EQ(iterate(1, 1).status, 0);
-    const Road lost = iterate(1, -1);
-    EXPECT_EQ(lost.status, 1108);
-    EXPECT_GT(lost.result[1], 9.3001);
-    EXPECT_EQ(lost.result[3], 0);
+    write_model(directory, 30, "8.3 9.3001 0.125");
+    EXPECT_EQ(iterate(1, 1), 0);
+    EXPECT_EQ(iterate(1, -1), 1108);
+    EXPECT_GT(call.result[1], 9.3001);
+    EXPECT_EQ(call.result[3], 0);
+}
+
+// Pairs of flags and systems that trans_dll never passes.
+TEST(NormalHeights, ObeyTheFlags) {
+    const DataDirectory directory;
+    write_model(directory, 29, "0");
+    const auto expect_near = [](const Call& call, const Geocentric& p, double normal) {
+        constexpr double tol = 1e-6;
+        EXPECT_NEAR(call.result[0], p.x, tol);
+        EXPECT_NEAR(call.result[1], p.y, tol);
+        EXPECT_NEAR(call.result[2], p.z, tol);
+        EXPECT_NEAR(call.result[3], normal, tol);
+    };
+    // Only -1 sets a flag. Onto the same ellipsoid, geocentric, the road is direct unless it iterates.
+    for (const int sourceFlag : {-1, 0, 1}) {
+        for (const int targetFlag : {-1, 0, 1}) {
+            SCOPED_TRACE(::testing::Message() << sourceFlag << ' ' << targetFlag);
+            Call call = {
+                .directory = directory.path(), .targetKind = u"Geozentrisch", .targetEllipsoid = u"GRS80"};
+            call.sourceFlag = sourceFlag;
+            call.targetFlag = targetFlag;
+            ASSERT_EQ(call.run(), 0);
+            const double height = sourceFlag == -1 && targetFlag == -1 ? 145.6 : 100;
+            expect_near(call, geographic_to_geocentric(grs80, {51.4 * degree, 9.3 * degree, height}), 100);
+            // From Bessel a normal height is corrected whatever the target wants.
+            call.sourceEllipsoid = u"Bessel";
+            ASSERT_EQ(call.run(), 0);
+            const double corrected = sourceFlag == -1 ? 145.6 : 100;
+            expect_near(call, geographic_to_geocentric(grs80, {51.4 * degree, 9.3 * degree, corrected}),
+                        sourceFlag != -1 && targetFlag == -1 ? 54.4 : 100);
+        }
+    }
+    // A geocentric source outside the Bessel datum has no height to correct: every pass finds the same, and the datum
+    // step of 10 km is made but once.
+    const Geocentric p = geographic_to_geocentric(grs80, {51.4 * degree, 9.3 * degree, 100});
+    Call fixed = {.directory = directory.path(), .point = {p.x, p.y, p.z}, .sourceKind = u"Geozentrisch"};
+    fixed.sourceFlag = -1;
+    fixed.source[slot::translationX] = -10000;
+    EXPECT_EQ(fixed.run(), 92);
 }
 
 TEST(NormalHeights, TellOfTheLastHeightAnomalyAlone) {
     // From geocentric Bessel into another Bessel system both the point in the Bessel datum and the target are asked
-    // for; on a sphere the target's latitude is 0.19 degrees less.
+    // for; on a sphere the target's latitude is 0.19 degrees less. With flag -1 the target is not: a geocentric source
+    // has no normal height, but counts as having given one.
     const DataDirectory directory;
-    const ParameterArray source = neutral_parameters();
-    ParameterArray sphere = source;
-    sphere[slot::semiMinorAxis] = sphere[slot::semiMajorAxis];
-    const Geocentric p = geographic_to_geocentric({source[slot::semiMajorAxis], source[slot::semiMinorAxis]},
-                                                  {51.4 * degree, 9.3 * degree, 100});
-    for (const auto& [latitudes, status] :
-         {std::pair("51.3 52.3 0.25", 1108), std::pair("50.3 51.3 0.25", 0)}) {
-        std::vector<std::string> lines = good_model();
-        lines[30] = latitudes;
-        directory.write("hoehe.ini", "0\n" + join(lines));
-        for (const int flag : {0, -1}) {  // a geocentric source has no normal height
-            const Road road = carry(directory.path(), {p.x, p.y, p.z}, source, sphere, u"Geozentrisch",
-                                    u"Bessel", u"Bessel 2", flag);
-            EXPECT_EQ(road.status, flag == 0 ? status : 1108 - status);
-            EXPECT_NE(road.result[0], 0);
+    const Geocentric p = geographic_to_geocentric(grs80, {51.4 * degree, 9.3 * degree, 100});
+    Call call = {.directory = directory.path(),
+                 .point = {p.x, p.y, p.z},
+                 .sourceKind = u"Geozentrisch",
+                 .sourceEllipsoid = u"Bessel",
+                 .targetEllipsoid = u"Bessel 2"};
+    call.target[slot::semiMinorAxis] = call.target[slot::semiMajorAxis];
+    for (const auto& [latitudes, atTarget, inBessel] :
+         {std::tuple("51.3 52.3 0.25", 1108, 0), std::tuple("50.3 51.3 0.25", 0, 1108)}) {
+        write_model(directory, 31, latitudes);
+        for (const int flag : {0, 1, -1}) {
+            call.sourceFlag = flag;
+            EXPECT_EQ(call.run(), flag == -1 ? inBessel : atTarget);
+            EXPECT_NE(call.result[0], 0);
         }
     }
-    // A road that fails after a normal height was found keeps it.
-    directory.write("hoehe.ini", "0\n" + join(good_model()));
-    const std::array<double, 3> point = {51.4, 9.3, 100};
-    std::array<double, 4> result = {};
-    ParameterArray flat = source;
-    flat[slot::semiMinorAxis] = 0;
-    EXPECT_EQ(transr_dll(point.data(), u"Geographisch", u"Soldner", result.data(), u"Bessel", source.data(),
-                         u"GRS80", flat.data(), 0, 0, -1, wide(directory.path()).c_str()),
-              90);
-    EXPECT_EQ((std::array{result[0], result[1], result[2]}), (std::array<double, 3>{}));
-    EXPECT_NEAR(result[3], 54.4, 1e-6);
+}
+
+TEST(NormalHeights, KeepWhatWasFoundAndAreFinite) {
+    const DataDirectory directory;
+    write_model(directory, 29, "0");
+    Call flat = {.directory = directory.path(), .targetKind = u"Soldner", .sourceEllipsoid = u"Bessel"};
+    flat.target[slot::semiMinorAxis] = 0;
+    EXPECT_EQ(flat.run(), 90);
+    EXPECT_EQ((std::array{flat.result[0], flat.result[1], flat.result[2]}), (std::array<double, 3>{}));
+    EXPECT_NEAR(flat.result[3], 54.4, 1e-6);
+    write_model(directory, 33, "0 0 0 0 -1e308 -1e308");
+    Call high = {.directory = directory.path(),
+                 .point = {51.2501, 9.3, 1.7e308},
+                 .sourceEllipsoid = u"Bessel",
+                 .targetEllipsoid = u"Bessel"};
+    EXPECT_EQ(high.run(), 90);
+    EXPECT_EQ(high.result[2], 0);
 }
 
 TEST(NormalHeights, FindTheirFile) {
     const DataDirectory directory;
-    directory.write("hoehe.ini", "0\n" + join(good_model()));
+    write_model(directory, 29, "0");
     const auto status_in = [](const std::string& path) {
-        const ParameterArray p = neutral_parameters();
-        return carry(path, {51.4, 9.3, 100}, p, p, u"Geographisch", u"Bessel", u"Bessel", 0).status;
+        Call call = {.directory = path, .sourceEllipsoid = u"Bessel", .targetEllipsoid = u"Bessel"};
+        return call.run();
     };
     std::string longest = directory.path();
     longest.resize(299, '/');

@@ -43,7 +43,7 @@ class HeightModelFile {
     // Returned: status     0; 110 not opened; 100 the key is missing or nothing follows it
     [[nodiscard]] Status open(std::string_view directory) noexcept;
 
-    // Reads the first two data lines, the semi-axes of Bessel, and no more of the file than its first block.
+    // Reads the first two data lines, the semi-axes of Bessel, and no more of the file than the block they lie in.
     // To be called in place of read_header.
     //
     // Returned: status     0; 100 the file ends before; 27, 28 unreadable or not greater than 0
