@@ -80,6 +80,20 @@ check 0 '^ *52\.0[0-9]* +13\.0[0-9]* +[-0-9.]+  P$' - transform --from 201 --to 
 check 1 "^ *51\.9986[0-9]* +12\.9983[0-9]* +[0-9.]+ +\*  P  $missing" '1 of 1 points failed: 1 with status 1110' \
     transform --from 101 --to 201 -d "$work" --heights
 check 1 "^ *51\.9986[0-9]* +12\.9983[0-9]* +\*  P  $missing" 1110 transform --from 101 --to 201 -d "$work" --height n
+check 1 "^ *\* +\* +\*  P  $missing" 1110 transform --from 101 --to 202 -d "$work" --height n
+printf '60 13\n' >"$work/in2"
+check 0 '^ *59\.99[0-9]* +12\.99[0-9]*$' - transform --from 101 --to 201 -d "$work" --height n "$work/in2"
+printf '3784636.7911 901627.6631 5036427.9577\n' >"$work/in2"
+check 0 '^ *58[0-9.]+ +333[0-9.]+ +[-0-9.]+$' - transform --from 202 --to 203 -d "$work" --height n "$work/in2"
+check 0 '^ *52[0-9.]+ +13[0-9.]+ +[-0-9.]+$' - transform --from 202 --to 101 -d "$work" --height n "$work/in2"
+check 1 "^ *52[0-9.]+ +13[0-9.]+ +[-0-9.]+ +\\*  $missing" 1110 transform --from 202 --to 101 -d "$work" --height n --heights "$work/in2"
+check 0 '^ *57[0-9.]+ +33[0-9.]+ +7\.0000  P$' - transform --from 201 --to 203 -d "$work"
+check 0 '^ *[0-9.]+ +[0-9.]+ +[0-9.]+  P$' - transform --from 101 --to 202 -d "$work" --heights
+printf '52 13\n' >"$work/in2"
+check 0 '^ *51[0-9.]+ +12[0-9.]+$' - transform --from 101 --to 201 -d "$work" --heights "$work/in2"
+check 0 '^ *[0-9.]+ +[0-9.]+ +[0-9.]+$' - transform --from 101 --to 202 -d "$work" "$work/in2"
+printf '0 0 0 P\n' >"$work/in2"
+check 1 '^ *\* +\* +\*  P  90 Keine' 'status 90' transform --from 202 --to 201 -d "$work" "$work/in2"
 check 1 "^ *\* +\* +\*  P  $missing" 'status 1110' transform --from 201 --to 203 -d "$work" --height n
 printf '52 13 7\n' >"$work/in"
 check 0 '^ *3834198\.6183 +885064\.4592 +5002813\.0793$' - transform --from 301 --to 202 -d "$work"

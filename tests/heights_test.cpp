@@ -85,10 +85,14 @@ TEST(HeightModel, ReportsEveryDefect) {
         };
         check(join(lines));
         check(replaced(join(lines), "\n", "\r\n"));
-        if (number > 0 && row[1].find_first_of("\n\t") == std::string::npos && !row[1].starts_with('#') &&
-            row[1].find("END") == std::string::npos && !row[1].starts_with(' ')) {
-            lines.erase(lines.begin());
-            check(scrambled(lines, 7));
+        // A scrambled line cannot begin with a blank, and this one cannot end within.
+        if (number > 0 && !row[1].starts_with(' ') && row[1].find("END") == std::string::npos) {
+            std::vector<std::string> all;
+            std::istringstream text(join({lines.begin() + 1, lines.end()}));
+            for (std::string line; std::getline(text, line);) {
+                all.push_back(line);
+            }
+            check(scrambled(all, 7));
         }
     }
     // A line feed inside a line, which only de-scrambling can make, ends a value and stands before one.
@@ -460,6 +464,24 @@ TEST(NormalHeights, IterateTwentyTimesAtMost) {
         return call.run();
     };
     write_model(directory, 29, "0");
+    // Word for word, whatever the start and the scale.
+    for (int round = 0; round < 40; ++round) {
+        call.point[2] = 17.3 * round;
+        ASSERT_EQ(iterate(0.9 + 0.01 * round, 0), 0);
+        Geographic g;
+        double d = 0, zeta = 0, h = call.point[2];
+        do {
+            h = h + d;
+            g = {call.point[0] * degree, call.point[1] * degree, h};
+            const Geocentric P1 = datum_step(call.source, geographic_to_geocentric(grs80, g));
+            ASSERT_EQ(geocentric_to_geographic(grs80, P1, g), 0);
+            ASSERT_EQ(height_anomaly(directory.path(), g.lam, g.phi, zeta), 0);
+            d = call.point[2] - g.h + zeta;
+            ASSERT_EQ(geocentric_to_geographic(grs80, datum_step(call.target, P1), g), 0);
+        } while (std::fabs(d) > 0.001);
+        EXPECT_EQ(call.result, (std::array{g.phi / degree, g.lam / degree, g.h, call.point[2]}));
+    }
+    call.point[2] = 0;
     EXPECT_EQ(iterate(1, 0), 0);
     EXPECT_NEAR(call.result[2], 45.6, 1e-6);
     EXPECT_EQ(call.result[3], 0);
@@ -504,6 +526,11 @@ TEST(NormalHeights, ObeyTheFlags) {
                         sourceFlag != -1 && targetFlag == -1 ? 54.4 : 100);
         }
     }
+    // A target in the Bessel datum gets its normal height even if none is wanted.
+    Call unasked = {.directory = directory.path(), .targetEllipsoid = u"Bessel"};
+    unasked.targetFlag = 0;
+    EXPECT_EQ(unasked.run(), 0);
+    EXPECT_NEAR(unasked.result[3], 54.4, 1e-6);
     // A geocentric source outside the Bessel datum has no height to correct: every pass finds the same, and the datum
     // step of 10 km is made but once.
     const Geocentric p = geographic_to_geocentric(grs80, {51.4 * degree, 9.3 * degree, 100});
@@ -544,6 +571,12 @@ TEST(NormalHeights, KeepWhatWasFoundAndAreFinite) {
     EXPECT_EQ(flat.run(), 90);
     EXPECT_EQ((std::array{flat.result[0], flat.result[1], flat.result[2]}), (std::array<double, 3>{}));
     EXPECT_NEAR(flat.result[3], 54.4, 1e-6);
+    // At latitude 0 no footpoint is found.
+    write_model(directory, 31, "0 1 0.25");
+    Call equator = {.directory = directory.path(), .point = {0, 9.3, 100}, .targetKind = u"Soldner"};
+    equator.targetEllipsoid = u"Bessel";
+    EXPECT_EQ(equator.run(), 403);
+    EXPECT_NEAR(equator.result[3], 57.6, 1e-6);
     write_model(directory, 33, "0 0 0 0 -1e308 -1e308");
     Call high = {.directory = directory.path(),
                  .point = {51.2501, 9.3, 1.7e308},

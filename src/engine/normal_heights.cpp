@@ -46,7 +46,6 @@ bool NormalHeights::need_bessel_datum() const noexcept {
 
 Status NormalHeights::in_bessel_datum(const Geocentric& point, double& h, bool& settled) noexcept {
     ++passes;
-    settled = true;
     const bool computes = (!flags.sourceIsNormal && !source.bessel && !target.bessel) ||
                           (source.bessel && source.kind == ProjectionKind::geocentric);
     if (!flags.targetWantsNormal || !(computes || iterates)) {

@@ -48,7 +48,7 @@ class NormalHeights {
     // Returned: status   0; 1110, 1100, 1027, 1028 the semi-axes of Bessel cannot be read from the height model file;
     //                    90 no position on that ellipsoid; 92 the 20th pass is still not near enough
     //           h        corrected if another pass is to be made
-    //           settled  false: the road is to be gone again with h
+    //           settled  set to false if the road is to be gone again with h, else unchanged
     [[nodiscard]] Status in_bessel_datum(const Geocentric& point, double& h, bool& settled) noexcept;
 
     // For targets that are not geocentric, with their latitude, longitude and ellipsoidal height: a target in the Bessel
