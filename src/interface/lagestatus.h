@@ -75,8 +75,8 @@
  *     501 to 503             geographic to Gauss-Krueger; likewise 501
  *     90                     no finite coordinates (arguments that are not finite, parameters that lead nowhere;
  *                            on the way to latitude and longitude points on the earth's axis)
- *     93                     a code is not listed in DEFAULT
  *     92                     a normal height is not found within 20 passes
+ *     93                     a code is not listed in DEFAULT
  *     1000 + k               height model hoehe.ini: 1110 not opened; 1100 the key or a line is missing; 1027, 1028,
  *                            1127, 1128 a semi-axis; 1029 to 1048 the datum transformation; 1101 to 1105 the
  *                            fundamental point; 1106, 1107 the extent of the grid; 1108 the point lies outside; 1109
@@ -246,7 +246,8 @@ LAGESTATUS_API int translD_dll(const lagestatus_char* dataDir, int* scrambled, i
  *           sourceHeightFlag
  *                        -1: point[2] is a normal height; any other value: ellipsoidal
  *           targetHeightFlag
- *                        -1: a normal height is wanted in result[3]; to be set for targets that are not geocentric
+ *                        -1: a normal height is wanted in result[3], and one given outside the Bessel datum is
+ *                        corrected; any other value: neither. trans_dll sets it for targets that are not geocentric
  *           dataDir      where the height model lies; at most 299 characters
  * Returned: result       4 doubles; may be the same memory as point. After a failure 0.0, 0.0, 0.0 and point[2], or
  *                        the normal height if it was found before; with 1000 + k the point (see above)
