@@ -192,7 +192,8 @@ class PointWriter {
             return;
         }
         // Where normal heights play no part, none is asked for, and their failing is none of the row.
-        const bool normalGiven = options.normalGiven && !source.geocentric() && (read.hasHeight || target.geocentric());
+        const bool normalGiven =
+            options.normalGiven && !source.geocentric() && (read.hasHeight || target.geocentric());
         const bool heightsMatter = normalGiven || writes_normal_heights(read);
         const Transformed transformed =
             transform(options.directory, source, target, {normalGiven, heightsMatter}, read.point);

@@ -167,12 +167,11 @@ Transformed transform(const std::string& directory, const System& source, const 
                       Heights heights, const std::array<double, 3>& point) {
     constexpr int flagSet = -1;
     Transformed transformed;
-    transformed.status =
-        transr_dll(point.data(), from_utf8(source.kind).c_str(), from_utf8(target.kind).c_str(),
-                   transformed.result.data(), from_utf8(source.ellipsoid).c_str(), source.parameters.data(),
-                   from_utf8(target.ellipsoid).c_str(), target.parameters.data(), target.zoneNumber,
-                   heights.normalGiven ? flagSet : 0,
-                   heights.normalWanted ? flagSet : 0, path_units(directory).c_str());
+    transformed.status = transr_dll(
+        point.data(), from_utf8(source.kind).c_str(), from_utf8(target.kind).c_str(),
+        transformed.result.data(), from_utf8(source.ellipsoid).c_str(), source.parameters.data(),
+        from_utf8(target.ellipsoid).c_str(), target.parameters.data(), target.zoneNumber,
+        heights.normalGiven ? flagSet : 0, heights.normalWanted ? flagSet : 0, path_units(directory).c_str());
     return transformed;
 }
 
