@@ -197,8 +197,8 @@ TEST(HeightAnomaly, HoldsEveryBitOfItsFormulasOnGridsOfEveryWidth) {
         SCOPED_TRACE(round);
         Model model;
         auto& v = model.v;
-        v[0] = near(6377400, 100), v[1] = near(6356080, 100), v[2] = near(6378137, 1),
-        v[3] = near(6356752, 1);
+        const double polar = round % 5 == 0 ? 5900000 : 6356400;  // very flat: terms in the flattening show
+        v[0] = near(6377400, 100), v[1] = near(polar, 500), v[2] = near(6378137, 1), v[3] = near(polar, 500);
         for (std::size_t i = 4; i < 24; ++i) {
             const std::size_t inSet = (i - 4) % 10;
             const bool intermediate = i >= 14 && inSet < 6 && round % 2 == 0;
@@ -466,7 +466,7 @@ TEST(NormalHeights, IterateTwentyTimesAtMost) {
     write_model(directory, 29, "0");
     // Word for word, whatever the start and the scale.
     for (int round = 0; round < 40; ++round) {
-        call.point[2] = 17.3 * round;
+        call.point[2] = 173000.7 * round;  // so high that a last bit shows
         ASSERT_EQ(iterate(0.9 + 0.01 * round, 0), 0);
         Geographic g;
         double d = 0, zeta = 0, h = call.point[2];
