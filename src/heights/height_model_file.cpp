@@ -161,7 +161,7 @@ Status HeightModelFile::read_header(HeightModel& model, bool& empty) noexcept {
     empty = true;
     for (const Field& field : fields) {
         if (const Status read = next_data_line(file, line, key); read != status::ok) {
-            return empty ? status::ok : read;
+            return empty && !file.failed() ? status::ok : read;
         }
         empty = false;
         if (const Status read = read_field(field, line.text(), model); read != status::ok) {
