@@ -29,7 +29,8 @@ std::u16string wide(const std::string& text) {
 class GeneratedModel {
   public:
     explicit GeneratedModel(int key) {
-        std::string name = (std::filesystem::temp_directory_path() / "lagestatus-bench-XXXXXX").string();
+        std::string name =
+            (std::filesystem::temp_directory_path() / ("lagestatus-bench-" + std::string(6, 'X'))).string();
         directory = mkdtemp(name.data());
         std::string text = std::to_string(key) + "\n";
         const auto add = [&text, key](std::string line) {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace testing_support {
 
@@ -96,6 +97,39 @@ std::vector<std::string> good_lines() {
         lines.push_back(std::to_string(field) + ".25 -" + std::to_string(field) + ".75");
     }
     return lines;
+}
+
+std::vector<std::string> good_model() {
+    std::vector<std::string> lines(29, "0.0");
+    lines[0] = lines[2] = "6378137.0";
+    lines[1] = lines[3] = "6356752.314140356";
+    lines[10] = "1.0";
+    lines.insert(lines.end(), {"9.0 10.0 0.125", "51.0 52.0 0.25"});
+    for (int value = 0; value < 45; ++value) {
+        std::string& line = value % 7 == 0 ? lines.emplace_back() : lines.back() += ' ';
+        line += std::to_string(40 + value % 9 + 2 * (value / 9));
+    }
+    return lines;
+}
+
+lagestatus::ParameterArray parameters(const std::string& settings) {
+    namespace slot = lagestatus::slot;
+    lagestatus::ParameterArray p = {};
+    p[slot::semiMajorAxis] = ellipsoids[1].axes().a;
+    p[slot::semiMinorAxis] = ellipsoids[1].axes().b;
+    p[slot::meridianScale] = p[slot::planeScale] = p[slot::datumScale] = 1.0;
+    p[slot::longitudeOfOrigin] = 600.3;
+    std::istringstream text(settings);
+    for (std::string setting; text >> setting;) {
+        p[std::stoul(setting)] = std::stod(setting.substr(setting.find('=') + 1));
+    }
+    return p;
+}
+
+int Road::run() {
+    return transr_dll(point.data(), wide(sourceKind).c_str(), wide(targetKind).c_str(), point.data(),
+                      wide(sourceEllipsoid).c_str(), source.data(), wide(targetEllipsoid).c_str(),
+                      target.data(), zone, sourceFlag, targetFlag, wide(directory).c_str());
 }
 
 std::string join(const std::vector<std::string>& lines, std::string_view lineEnd) {

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/system_description.h"
 #include "engine/geocentric.h"
 #include "interface/lagestatus.h"
 
@@ -52,6 +53,24 @@ inline constexpr NamedEllipsoid ellipsoids[] = {{"Bessel", 6377397.155, 299.1528
 // are comments.
 using Row = std::vector<std::string>;
 std::vector<Row> rows(const std::string& file);
+
+// A height model, one element a data line: GRS80 on both sides, no datum step, no correction; 9 columns and 5 rows from
+// 40 m, 1 more for every column and 2 for every row.
+std::vector<std::string> good_model();
+
+// A system on GRS80, of 3 degree strips, without datum step or reductions, but for settings "slot=value ...".
+lagestatus::ParameterArray parameters(const std::string& settings = "");
+
+// One call of transr_dll, with point and result in the same memory.
+struct Road {
+    std::string directory = SAMPLE_DIR;
+    std::array<double, 4> point = {};  // the result after run()
+    std::string sourceKind = "Geographisch", sourceEllipsoid = "Bessel";
+    std::string targetKind = "Geographisch", targetEllipsoid = "Bessel";
+    lagestatus::ParameterArray source = parameters(), target = parameters();
+    int sourceFlag = 0, targetFlag = 0, zone = 0;
+    int run();
+};
 
 // Metres on the ground for one unit of a coordinate of a system of the sample.
 inline std::array<double, 3> metres_per_unit(int code, double latitude) {
