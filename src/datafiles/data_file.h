@@ -5,11 +5,12 @@
 #include <cstddef>
 #include <string_view>
 
+#include "datafiles/platform_file.h"
+
 namespace lagestatus {
 
 // A byte source over one regular file. Every pair of carriage return and line feed is delivered as one line feed,
-// on every platform; a lone carriage return and byte 26 are ordinary bytes. No heap memory, no locale; the handle
-// is not inherited by child processes. This file alone knows how a platform opens a joined path.
+// on every platform; a lone carriage return and byte 26 are ordinary bytes. No heap memory, no locale.
 class DataFile {
   public:
     static constexpr std::size_t maxDirectory = 299;  // characters
@@ -20,11 +21,8 @@ class DataFile {
     DataFile& operator=(const DataFile&) = delete;
 
     // Opens name in directory: name alone when directory is exactly ".", else directory, backslash, name (so the
-    // empty directory gives "\name"). Off Windows the backslash is a separator; when there is no such file, the
-    // last component is looked up without regard to the case of ASCII letters (of several regular files the first
-    // in byte order), and last the joined path is tried with its backslashes as ordinary characters.
-    // Returns false when nothing could be opened, what was found is no regular file, or directory is too long;
-    // never blocks.
+    // empty directory gives "\name"), as open_data_file does. Returns false when nothing could be opened, what was
+    // found is no regular file, or directory is too long; never blocks.
     // To be called once.
     [[nodiscard]] bool open(std::string_view directory, std::string_view name) noexcept;
 
@@ -46,9 +44,8 @@ class DataFile {
     bool refill() noexcept;
 
     static constexpr std::size_t blockSize = 16384;
-    static constexpr int notOpen = -1;
 
-    int handle = notOpen;
+    FileHandle handle = noFile;
     bool readFailed = false;
     bool carriageReturnHeld = false;  // last byte of the previous block, its fate still open
     std::size_t position = 0;

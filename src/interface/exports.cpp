@@ -1,5 +1,5 @@
 // The seven exported functions: across the boundary, call inside, and back.
-#include <algorithm>
+#include <array>
 #include <cstddef>
 
 #include "base/system_description.h"
@@ -7,7 +7,9 @@
 #include "datafiles/definition_file.h"
 #include "datafiles/parameter_file.h"
 #include "engine/pipeline.h"
+#include "interface/caller_memory.h"
 #include "interface/driver.h"
+#include "interface/float_environment.h"
 #include "interface/lagestatus.h"
 #include "interface/messages.h"
 #include "interface/wide_text.h"
@@ -25,8 +27,8 @@ constexpr std::size_t ellipsoidSize = 12;
 // One character more than a directory may have: a longer one is refused as a whole when a file is to be opened.
 constexpr std::size_t directorySize = DataFile::maxDirectory + 2;
 
-Status describe(Column column, const char16_t* dataDir, const char16_t* fileBase, int scrambled, int code,
-                SystemDescription& description) noexcept {
+Status describe(Column column, const lagestatus_char* dataDir, const lagestatus_char* fileBase, int scrambled,
+                int code, SystemDescription& description) noexcept {
     const auto directory = narrow_whole<nameSize>(dataDir);
     const auto baseName = narrow_whole<nameSize>(fileBase);
     if (!directory || !baseName) {
@@ -36,23 +38,20 @@ Status describe(Column column, const char16_t* dataDir, const char16_t* fileBase
                                description);
 }
 
-void hand_over(Status status, const SystemDescription& description, char16_t* systemName,
-               char16_t* ellipsoidName, char16_t* projectionKind, double* parameters) noexcept {
+void hand_over(Status status, const SystemDescription& description, lagestatus_char* systemName,
+               lagestatus_char* ellipsoidName, lagestatus_char* projectionKind, double* parameters) noexcept {
     widen(description.systemName, systemName);
     widen(description.ellipsoidName, ellipsoidName);
     widen(description.projectionKind, projectionKind);
     if (status == lagestatus::status::ok) {
-        std::copy(description.parameters.begin(), description.parameters.end(), parameters);
+        store_array(parameters, description.parameters);
     }
 }
 
 }  // namespace
 
 int test_dll(double a, double b, double c, double* out) {
-    out[0] = a;
-    out[1] = b;
-    out[2] = c;
-    out[3] = c;
+    store_array(out, Result{a, b, c, c});
     return status::ok;
 }
 
@@ -61,6 +60,7 @@ int trans_dll(double coord1, double coord2, double height, int sourceCode, int t
               lagestatus_char* sourceName, int* auxiliary, lagestatus_char* sourceEllipsoid,
               lagestatus_char* sourceKind, lagestatus_char* targetName, lagestatus_char* targetEllipsoid,
               lagestatus_char* targetKind) {
+    const DefaultFloatEnvironment environment;
     const auto directory = narrow_whole<nameSize>(dataDir);
     SystemPair systems;
     Result reached = {};
@@ -70,20 +70,21 @@ int trans_dll(double coord1, double coord2, double height, int sourceCode, int t
     if (status > status::ok && status <= status::lastWithoutResult) {
         reached = {};
     }
-    std::copy(reached.begin(), reached.end(), result);
+    store_array(result, reached);
     widen(systems.source.systemName, sourceName);
     widen(systems.source.ellipsoidName, sourceEllipsoid);
     widen(systems.source.projectionKind, sourceKind);
     widen(systems.target.systemName, targetName);
     widen(systems.target.ellipsoidName, targetEllipsoid);
     widen(systems.target.projectionKind, targetKind);
-    std::copy(systems.auxiliary.begin(), systems.auxiliary.end(), auxiliary);
+    store_array(auxiliary, systems.auxiliary);
     return status;
 }
 
 int transla_dll(const lagestatus_char* dataDir, const lagestatus_char* fileBase, int scrambled, int code,
                 lagestatus_char* systemName, lagestatus_char* ellipsoidName, lagestatus_char* projectionKind,
                 double* parameters) {
+    const DefaultFloatEnvironment environment;
     SystemDescription description;
     const Status status = describe(Column::intoBessel, dataDir, fileBase, scrambled, code, description);
     hand_over(status, description, systemName, ellipsoidName, projectionKind, parameters);
@@ -93,10 +94,11 @@ int transla_dll(const lagestatus_char* dataDir, const lagestatus_char* fileBase,
 int translz_dll(const lagestatus_char* dataDir, const lagestatus_char* fileBase, int scrambled, int code,
                 lagestatus_char* systemName, lagestatus_char* ellipsoidName, lagestatus_char* projectionKind,
                 int* zoneNumber, double* parameters) {
+    const DefaultFloatEnvironment environment;
     SystemDescription description;
     const Status status = describe(Column::outOfBessel, dataDir, fileBase, scrambled, code, description);
     hand_over(status, description, systemName, ellipsoidName, projectionKind, parameters);
-    *zoneNumber = description.zoneNumber;
+    store<int>(zoneNumber, 0, description.zoneNumber);
     return status;
 }
 
@@ -106,12 +108,12 @@ int translD_dll(const lagestatus_char* dataDir, int* scrambled, int* count, int*
     DefinitionRecord record;
     const Status status =
         directory ? read_definition_file(directory->view(), record) : status::definitionFileNotOpened;
-    *scrambled = record.scrambled ? scrambledFiles : 0;
-    *count = record.count;
+    store<int>(scrambled, 0, record.scrambled ? scrambledFiles : 0);
+    store<int>(count, 0, record.count);
     for (std::size_t number = 0; number < record.complete; ++number) {
         const DefinitionEntry& entry = record.entries[number];
-        codes[number] = entry.code;
-        auxiliary[number] = entry.auxiliary;
+        store<int>(codes, number, entry.code);
+        store<int>(auxiliary, number, entry.auxiliary);
         widen(entry.name, fileNames + number * nameSize);
     }
     return status;
@@ -121,21 +123,22 @@ int transr_dll(const double* point, const lagestatus_char* sourceKind, const lag
                double* result, const lagestatus_char* sourceEllipsoid, const double* sourceParameters,
                const lagestatus_char* targetEllipsoid, const double* targetParameters, int zoneNumber,
                int sourceHeightFlag, int targetHeightFlag, const lagestatus_char* dataDir) {
+    const DefaultFloatEnvironment environment;
+    const auto given = load_array<double, 3>(point);
+    const auto sourceValues = load_array<double, parameterCount>(sourceParameters);
+    const auto targetValues = load_array<double, parameterCount>(targetParameters);
     const auto sourceKindText = narrow_cut<kindSize>(sourceKind);
     const auto targetKindText = narrow_cut<kindSize>(targetKind);
     const auto sourceEllipsoidText = narrow_cut<ellipsoidSize>(sourceEllipsoid);
     const auto targetEllipsoidText = narrow_cut<ellipsoidSize>(targetEllipsoid);
-    const Side source(sourceKindText.view(), sourceEllipsoidText.view(),
-                      Parameters(sourceParameters, parameterCount));
-    const Side target(targetKindText.view(), targetEllipsoidText.view(),
-                      Parameters(targetParameters, parameterCount), zoneNumber);
+    const Side source(sourceKindText.view(), sourceEllipsoidText.view(), sourceValues);
+    const Side target(targetKindText.view(), targetEllipsoidText.view(), targetValues, zoneNumber);
     const HeightFlags heights = {.sourceIsNormal = sourceHeightFlag == flagSet,
                                  .targetWantsNormal = targetHeightFlag == flagSet};
     const auto directory = narrow_cut<directorySize>(dataDir);
     Result reached = {};
-    const Status status =
-        transform_point({point[0], point[1], point[2]}, source, target, heights, directory.view(), reached);
-    std::copy(reached.begin(), reached.end(), result);
+    const Status status = transform_point(given, source, target, heights, directory.view(), reached);
+    store_array(result, reached);
     return status;
 }
 

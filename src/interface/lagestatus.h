@@ -100,9 +100,11 @@
 #ifndef LAGESTATUS_H
 #define LAGESTATUS_H
 
-#ifdef __cplusplus
+/* Visual C++ and others on Windows: define LAGESTATUS_USE_WCHAR ahead of this header to pass L"..." and std::wstring. */
+#if defined(__cplusplus) && defined(_WIN32) && defined(LAGESTATUS_USE_WCHAR)
+typedef wchar_t lagestatus_char;
+#elif defined(__cplusplus)
 typedef char16_t lagestatus_char;
-extern "C" {
 #else
 #include <uchar.h>
 typedef char16_t lagestatus_char;
@@ -115,10 +117,25 @@ typedef char16_t lagestatus_char;
 #define LAGESTATUS_PARAMETER_COUNT 36
 #define LAGESTATUS_MAX_ENTRIES 100
 
-#if defined(__GNUC__) && !defined(_WIN32)
+#if defined(_WIN32) && defined(LAGESTATUS_BUILD)
+#define LAGESTATUS_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define LAGESTATUS_API __declspec(dllimport)
+#elif defined(__GNUC__)
 #define LAGESTATUS_API __attribute__((visibility("default")))
 #else
 #define LAGESTATUS_API
+#endif
+
+/* The calling convention, whatever the host is compiled with. */
+#if defined(_WIN32)
+#define LAGESTATUS_CALL __cdecl
+#else
+#define LAGESTATUS_CALL
+#endif
+
+#ifdef __cplusplus
+extern "C" {
 #endif
 
 /*
@@ -128,7 +145,7 @@ typedef char16_t lagestatus_char;
  * Returned: out      4 doubles: a, b, c, c
  *           status   0, always
  */
-LAGESTATUS_API int test_dll(double a, double b, double c, double* out);
+LAGESTATUS_API int LAGESTATUS_CALL test_dll(double a, double b, double c, double* out);
 
 /*
  * Transforms one point between two systems of a data directory.
@@ -151,11 +168,13 @@ LAGESTATUS_API int test_dll(double a, double b, double c, double* out);
  * The files are read in the order DEFAULT, source, target, hoehe.ini; the first failure ends the call, but for 1000 + k
  * as above.
  */
-LAGESTATUS_API int trans_dll(double coord1, double coord2, double height, int sourceCode, int targetCode,
-                             const lagestatus_char* dataDir, const char* heightMode, double* result,
-                             lagestatus_char* sourceName, int* auxiliary, lagestatus_char* sourceEllipsoid,
-                             lagestatus_char* sourceKind, lagestatus_char* targetName,
-                             lagestatus_char* targetEllipsoid, lagestatus_char* targetKind);
+LAGESTATUS_API int LAGESTATUS_CALL trans_dll(double coord1, double coord2, double height, int sourceCode,
+                                             int targetCode, const lagestatus_char* dataDir,
+                                             const char* heightMode, double* result,
+                                             lagestatus_char* sourceName, int* auxiliary,
+                                             lagestatus_char* sourceEllipsoid, lagestatus_char* sourceKind,
+                                             lagestatus_char* targetName, lagestatus_char* targetEllipsoid,
+                                             lagestatus_char* targetKind);
 
 /*
  * Describes a system as the source of a transformation.
@@ -193,9 +212,10 @@ LAGESTATUS_API int trans_dll(double coord1, double coord2, double height, int so
  * Slots 14 to 23 and 26 to 35 lead from the system into the Bessel datum when read by transla_dll, and from the
  * Bessel datum into the system when read by translz_dll. All others are the same.
  */
-LAGESTATUS_API int transla_dll(const lagestatus_char* dataDir, const lagestatus_char* fileBase, int scrambled,
-                               int code, lagestatus_char* systemName, lagestatus_char* ellipsoidName,
-                               lagestatus_char* projectionKind, double* parameters);
+LAGESTATUS_API int LAGESTATUS_CALL transla_dll(const lagestatus_char* dataDir,
+                                               const lagestatus_char* fileBase, int scrambled, int code,
+                                               lagestatus_char* systemName, lagestatus_char* ellipsoidName,
+                                               lagestatus_char* projectionKind, double* parameters);
 
 /*
  * Describes a system as the target of a transformation: as transla_dll, with the datum transformation out of the
@@ -205,9 +225,11 @@ LAGESTATUS_API int transla_dll(const lagestatus_char* dataDir, const lagestatus_
  *                        reached
  *           status       0; 7, 100, 8 to 28 as for transla_dll; 70 to 89 for the datum transformation
  */
-LAGESTATUS_API int translz_dll(const lagestatus_char* dataDir, const lagestatus_char* fileBase, int scrambled,
-                               int code, lagestatus_char* systemName, lagestatus_char* ellipsoidName,
-                               lagestatus_char* projectionKind, int* zoneNumber, double* parameters);
+LAGESTATUS_API int LAGESTATUS_CALL translz_dll(const lagestatus_char* dataDir,
+                                               const lagestatus_char* fileBase, int scrambled, int code,
+                                               lagestatus_char* systemName, lagestatus_char* ellipsoidName,
+                                               lagestatus_char* projectionKind, int* zoneNumber,
+                                               double* parameters);
 
 /*
  * Lists the systems of a data directory.
@@ -223,8 +245,8 @@ LAGESTATUS_API int translz_dll(const lagestatus_char* dataDir, const lagestatus_
  *
  * After a failure at entry i the entries 0 to i - 1 are complete; after 1 and 2 count and scrambled are 0.
  */
-LAGESTATUS_API int translD_dll(const lagestatus_char* dataDir, int* scrambled, int* count, int* codes,
-                               int* auxiliary, lagestatus_char* fileNames);
+LAGESTATUS_API int LAGESTATUS_CALL translD_dll(const lagestatus_char* dataDir, int* scrambled, int* count,
+                                               int* codes, int* auxiliary, lagestatus_char* fileNames);
 
 /*
  * Transforms one point between two systems that the caller holds the descriptions of. Reads no parameter file, and
@@ -253,12 +275,11 @@ LAGESTATUS_API int translD_dll(const lagestatus_char* dataDir, int* scrambled, i
  *                        the normal height if it was found before; with 1000 + k the point (see above)
  *           status       0; 12, 14, 90, 92, 201 to 208, 301 to 305, 401 to 405, 501 to 503; 1000 + k (see above)
  */
-LAGESTATUS_API int transr_dll(const double* point, const lagestatus_char* sourceKind,
-                              const lagestatus_char* targetKind, double* result,
-                              const lagestatus_char* sourceEllipsoid, const double* sourceParameters,
-                              const lagestatus_char* targetEllipsoid, const double* targetParameters,
-                              int zoneNumber, int sourceHeightFlag, int targetHeightFlag,
-                              const lagestatus_char* dataDir);
+LAGESTATUS_API int LAGESTATUS_CALL
+transr_dll(const double* point, const lagestatus_char* sourceKind, const lagestatus_char* targetKind,
+           double* result, const lagestatus_char* sourceEllipsoid, const double* sourceParameters,
+           const lagestatus_char* targetEllipsoid, const double* targetParameters, int zoneNumber,
+           int sourceHeightFlag, int targetHeightFlag, const lagestatus_char* dataDir);
 
 /*
  * Writes the German message for a status code.
@@ -270,7 +291,8 @@ LAGESTATUS_API int transr_dll(const double* point, const lagestatus_char* source
  * Returned: buffer       129 units for messages without a file name, 91 plus the length of fileName for those
  *                        with one; the empty text for a code without a message
  */
-LAGESTATUS_API void transfm_dll(int code, const lagestatus_char* fileName, lagestatus_char* buffer);
+LAGESTATUS_API void LAGESTATUS_CALL transfm_dll(int code, const lagestatus_char* fileName,
+                                                lagestatus_char* buffer);
 
 #ifdef __cplusplus
 }

@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <string_view>
+
+#include "interface/caller_memory.h"
 
 namespace lagestatus {
 namespace {
@@ -225,53 +228,68 @@ constexpr std::u16string_view entryCodePrefix = u"Lesen der Lagestatusangabe in 
 constexpr std::u16string_view entryNamePrefix = u"Lesen der Dateiangabe in der Definitionsdatei ";
 constexpr std::u16string_view entrySuffix = u". Angabe";
 
-char16_t* put(std::u16string_view text, char16_t* out) noexcept {
-    return std::copy(text.begin(), text.end(), out);
-}
+// Writes a text into the caller's buffer, unit by unit.
+class TextWriter {
+  public:
+    explicit TextWriter(lagestatus_char* callersBuffer) noexcept : buffer(callersBuffer) {}
 
-char16_t* put_name(const char16_t* name, char16_t* out) noexcept {
-    while (*name != u'\0') {
-        *out++ = *name++;
+    void put(std::u16string_view text) noexcept {
+        for (const char16_t unit : text) {
+            store<lagestatus_char>(buffer, length++, unit);
+        }
     }
-    return out;
-}
+    void put_name(const lagestatus_char* name) noexcept {
+        for (std::size_t at = 0; load<lagestatus_char>(name, at) != u'\0'; ++at) {
+            store(buffer, length++, load<lagestatus_char>(name, at));
+        }
+    }
+    void put_number(int number) noexcept {
+        std::array<char, 16> digits = {};
+        const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+        for (const char* digit = digits.data(); digit != written.ptr; ++digit) {
+            store<lagestatus_char>(buffer, length++, static_cast<unsigned char>(*digit));
+        }
+    }
+    void end() noexcept { store<lagestatus_char>(buffer, length, u'\0'); }
 
-char16_t* put_number(int number, char16_t* out) noexcept {
-    std::array<char, 16> digits = {};
-    const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), number);
-    return std::copy(digits.data(), written.ptr, out);
-}
+  private:
+    lagestatus_char* buffer;
+    std::size_t length = 0;
+};
 
 // The message of one entry of the definition file, base being the code of the first.
-void write_entry_message(std::u16string_view prefix, Status code, Status base, const char16_t* fileName,
-                         char16_t* out) noexcept {
-    out = put_name(fileName, put(prefix, out));
-    out = put_number(code - base + 1, put(u" ", out));
-    *put(entrySuffix, out) = u'\0';
+void write_entry_message(std::u16string_view prefix, Status code, Status base,
+                         const lagestatus_char* fileName, TextWriter& out) noexcept {
+    out.put(prefix);
+    out.put_name(fileName);
+    out.put(u" ");
+    out.put_number(code - base + 1);
+    out.put(entrySuffix);
+    out.end();
 }
 
 }  // namespace
 
-void write_message(Status code, const char16_t* fileName, char16_t* buffer) noexcept {
-    *buffer = u'\0';
+void write_message(Status code, const lagestatus_char* fileName, lagestatus_char* buffer) noexcept {
+    TextWriter out(buffer);
     if (code >= status::definitionEntryCode && code < status::definitionEntryCode + entryCodes) {
-        return write_entry_message(entryCodePrefix, code, status::definitionEntryCode, fileName, buffer);
+        return write_entry_message(entryCodePrefix, code, status::definitionEntryCode, fileName, out);
     }
     if (code >= status::definitionEntryName && code < status::definitionEntryName + entryCodes) {
-        return write_entry_message(entryNamePrefix, code, status::definitionEntryName, fileName, buffer);
+        return write_entry_message(entryNamePrefix, code, status::definitionEntryName, fileName, out);
     }
     if (code >= firstOfSecondColumn && code <= lastOfSecondColumn) {
         code -= fromSecondToFirstColumn;
     }
     const auto found = std::ranges::lower_bound(messages, code, {}, &Message::code);
-    if (found == messages.end() || found->code != code) {
-        return;
+    if (found != messages.end() && found->code == code) {
+        if (found->prefix != Prefix::none) {
+            out.put(prefix_text(found->prefix));
+            out.put_name(fileName);
+        }
+        out.put(found->text);
     }
-    char16_t* out = buffer;
-    if (found->prefix != Prefix::none) {
-        out = put_name(fileName, put(prefix_text(found->prefix), out));
-    }
-    *put(found->text, out) = u'\0';
+    out.end();
 }
 
 }  // namespace lagestatus

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/status.h"
+#include "interface/lagestatus.h"
 
 namespace lagestatus {
 
@@ -10,6 +11,6 @@ namespace lagestatus {
 // Given:    code      any integer
 //           fileName  inserted unchanged, whatever its length; not read for messages that hold no file name
 // Returned: buffer    the message; empty when the catalogue has none for the code
-void write_message(Status code, const char16_t* fileName, char16_t* buffer) noexcept;
+void write_message(Status code, const lagestatus_char* fileName, lagestatus_char* buffer) noexcept;
 
 }  // namespace lagestatus

@@ -6,16 +6,19 @@
 #include <string_view>
 
 #include "base/fixed_text.h"
+#include "interface/caller_memory.h"
+#include "interface/lagestatus.h"
 
 namespace lagestatus {
 
 // Narrows a wide text: each code unit gives its low 8 bits, the first whose low 8 bits are zero ends it
 // (U+0100 does too). At most N - 1 units are taken, what follows is not read.
 template <std::size_t N>
-[[nodiscard]] FixedText<N> narrow_cut(const char16_t* wide) noexcept {
+[[nodiscard]] FixedText<N> narrow_cut(const lagestatus_char* wide) noexcept {
     FixedText<N> text;
     for (std::size_t unit = 0; unit + 1 < N; ++unit) {
-        const char character = static_cast<char>(static_cast<unsigned char>(wide[unit]));
+        const char character =
+            static_cast<char>(static_cast<unsigned char>(load<lagestatus_char>(wide, unit)));
         if (character == '\0') {
             break;
         }
@@ -26,7 +29,7 @@ template <std::size_t N>
 
 // The same for a name that must not be cut into another one: nothing when it has N characters or more.
 template <std::size_t N>
-[[nodiscard]] std::optional<FixedText<N>> narrow_whole(const char16_t* wide) noexcept {
+[[nodiscard]] std::optional<FixedText<N>> narrow_whole(const lagestatus_char* wide) noexcept {
     const auto text = narrow_cut<N + 1>(wide);
     if (text.view().size() >= N) {
         return std::nullopt;
@@ -37,11 +40,12 @@ template <std::size_t N>
 // Widens a text into the caller's buffer of N units or more, with its terminator: each character becomes the
 // code unit of the same value.
 template <std::size_t N>
-void widen(const FixedText<N>& text, char16_t* wide) noexcept {
+void widen(const FixedText<N>& text, lagestatus_char* wide) noexcept {
+    std::size_t unit = 0;
     for (const char character : text.view()) {
-        *wide++ = static_cast<unsigned char>(character);
+        store<lagestatus_char>(wide, unit++, static_cast<unsigned char>(character));
     }
-    *wide = u'\0';
+    store<lagestatus_char>(wide, unit, 0);
 }
 
 }  // namespace lagestatus
