@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 buildPackages=(g++ cmake ninja-build libcli11-dev)
-testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config)
+testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config locales)
 checkPackages=(clang-format clang-tidy python3 proj-bin)
 benchPackages=(libbenchmark-dev libproj-dev pkg-config python3)
 

@@ -1,7 +1,4 @@
 // Lines, fields, and the two kinds of files: one good file each, and one row a defect.
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <bit>
 #include <cstdint>
 #include <cstdlib>
@@ -108,50 +105,34 @@ TEST(LineReader, FoldsLineEndsAcrossBlocks) {
     }
 }
 
-TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
+TEST(DataFile, TakesDirectoriesInEveryForm) {
     namespace fs = std::filesystem;
     const DataDirectory directory;
-    const std::string root = directory.path();
-    directory.write("other\\DEFAULT", "0\n");
-    for (const char* below : {"/Sub", "/unreadable", "/isdir/DEFAULT", "/fifo", "/DEFAULt"}) {
-        fs::create_directories(root + below);
+    const fs::path root = directory.path();
+    for (int count = 0; const std::string below : {"", "Sub/", "Sub/Deeper/", "\xE4/"}) {
+        fs::create_directories(root / on_disk(below));
+        directory.write(below + "DEFAULT", "# Verzeichnis\r\n" + std::to_string(--count) + "\r\n");
+        directory.write(below + "\xD6rtlich.tra", join(good_lines(), "\r\n"));
     }
-    directory.write("dEFAULt", "-1\n");
-    directory.write("default", "-2\n");
-    directory.write("Sub/DEFAULT", "-3\n");
-    fs::create_symlink("nowhere", root + "/DEFAUlt");
-    fs::create_symlink("/proc/self/mem", root + "/unreadable/DEFAULT");
-    ASSERT_EQ(mkfifo((root + "/fifo/DEFAULT").c_str(), 0600), 0);
     const std::size_t handles = open_file_handles();
-
-    EXPECT_EQ(list(root).count, -1) << "of the regular files in whatever case the first in byte order";
-    EXPECT_EQ(list(root + "\\Sub").count, -3);
-    EXPECT_EQ(list(root + "\\Sub\\").count, -3) << "a doubled separator";
-    EXPECT_EQ(list(root + "/other").status, 0) << "the backslash as a character";
-    EXPECT_EQ(list(root + "/isdir").status, 1);
-    directory.write("isdir/default", "0\n");
-    EXPECT_EQ(list(root + "/isdir").status, 1) << "the name itself is there, and is no file";
-    directory.write("plain", "");
-    directory.write("plain\\DEFAULT", "-4\n");
-    EXPECT_EQ(list(root + "/plain").count, -4) << "a file where the directory should be";
-    EXPECT_EQ(list(root + "/fifo").status, 1) << "and it does not block";
-    EXPECT_EQ(list(root + "/unreadable").status, 100) << "a read error, not an end that looks like one";
-    EXPECT_EQ(list(root + "/none").status, 1);
-    EXPECT_EQ(list("").status, 1) << "a file in the root directory";
     const fs::path before = fs::current_path();
-    fs::current_path(root + "/Sub");
-    EXPECT_EQ(list(".").count, -3);
+    for (const Row& row : rows("directories.tsv")) {
+        SCOPED_TRACE(row[0] + " in " + row[1]);
+        fs::current_path(root / row[1]);
+        std::string asked = row[0];
+        if (asked.starts_with("ROOT")) {
+            asked.replace(0, 4, directory.path());
+        }
+        const bool found = row[2] != "none";
+        const Listing listing = list(asked);
+        EXPECT_EQ(listing.status, found ? 0 : 1);
+        EXPECT_EQ(listing.count, found ? std::stoi(row[2]) : 0);
+        const Description system = describe(Role::target, asked, "\xD6rtlich", 0, 17);
+        EXPECT_EQ(system.status, found ? 0 : 7);
+        EXPECT_EQ(system.kind, found ? "Geographisch" : "");
+    }
     fs::current_path(before);
     EXPECT_EQ(open_file_handles(), handles);
-
-    // No child process inherits the handle.
-    lagestatus::DataFile file;
-    ASSERT_TRUE(file.open(root + "/Sub", "DEFAULT"));
-    for (const auto& handle : fs::directory_iterator("/proc/self/fd")) {
-        if (fs::exists(handle) && fs::equivalent(handle, root + "/Sub/DEFAULT")) {
-            EXPECT_NE(fcntl(std::stoi(handle.path().filename()), F_GETFD) & FD_CLOEXEC, 0);
-        }
-    }
 }
 
 TEST(DefinitionFile, ReportsEveryDefectAndKeepsWhatItRead) {

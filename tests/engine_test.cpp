@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <iterator>
+#include <numbers>
 #include <random>
 #include <sstream>
 #include <tuple>
@@ -20,7 +21,7 @@ using namespace lagestatus;
 
 namespace {
 
-constexpr double radian = 180 / M_PI;  // degrees, for GeographicLib
+constexpr double radian = 180 / std::numbers::pi;  // degrees, for GeographicLib
 
 TEST(Geocentric, AgreesWithGeographicLib) {
     // Rounding of coordinates of 6.4e6 m.

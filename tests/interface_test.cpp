@@ -45,7 +45,7 @@ TEST(Boundary, NarrowsNamesAndNeverCutsThem) {
     const std::string root = directory.path() + "/";
     const std::string longest(99 - root.size(), 'd');
     for (const std::string& name : {longest, longest + "d", std::string("A\xE4")}) {
-        std::filesystem::create_directory(root + name);
+        std::filesystem::create_directory(on_disk(root + name));
         directory.write(name + "/DEFAULT", "-1\n");
     }
     EXPECT_EQ(list(root + longest).status, 0);

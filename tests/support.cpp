@@ -1,10 +1,16 @@
 #include "support.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <sstream>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <pthread.h>
+#endif
 
 namespace testing_support {
 
@@ -13,11 +19,11 @@ namespace {
 std::string unescaped(const std::string& text) {
     std::string plain;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '\\' && text[++at] == 'x') {
-            plain += static_cast<char>(std::stoi(text.substr(at + 1, 2), nullptr, 16));
-            at += 2;
-        } else if (text[at - (at > 0)] == '\\') {
-            plain += std::string_view("\n\r\t\v\f")[std::string_view("nrtvf").find(text[at])];
+        if (text[at] == '\\') {
+            const char kind = text[++at];
+            plain += kind == 'x' ? static_cast<char>(std::stoi(text.substr(at + 1, 2), nullptr, 16))
+                                 : std::string_view("\n\r\t\v\f\\")[std::string_view("nrtvf\\").find(kind)];
+            at += kind == 'x' ? 2 : 0;
         } else if (text[at] == '{') {
             plain.append(std::stoul(text.substr(at + 3)), text[at + 1]);
             at = text.find('}', at);
@@ -67,15 +73,68 @@ std::string narrow(const std::vector<char16_t>& buffer) {
     return text;
 }
 
+#ifdef _WIN32
+std::size_t open_file_handles() {
+    DWORD handles = 0;
+    EXPECT_NE(GetProcessHandleCount(GetCurrentProcess(), &handles), 0);
+    return handles;
+}
+
+std::filesystem::path on_disk(const std::string& name) {
+    return wide(name);
+}
+
+std::size_t on_small_stack(std::size_t size, const std::function<void()>& work) {
+    const auto run = [](void* function) -> DWORD {
+        (*static_cast<const std::function<void()>*>(function))();
+        return 0;
+    };
+    HANDLE const thread = CreateThread(nullptr, size, run, const_cast<std::function<void()>*>(&work),
+                                       STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+    EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
+    CloseHandle(thread);
+    return 0;
+}
+#else
 std::size_t open_file_handles() {
     const std::filesystem::directory_iterator handles("/proc/self/fd");
     return static_cast<std::size_t>(std::distance(begin(handles), end(handles)));
 }
 
+std::filesystem::path on_disk(const std::string& name) {
+    return name;
+}
+
+std::size_t on_small_stack(std::size_t size, const std::function<void()>& work) {
+    constexpr unsigned char unusedByte = 0xA5;
+    struct alignas(64) Line {
+        std::array<unsigned char, 64> bytes;
+    };
+    Line line = {};
+    line.bytes.fill(unusedByte);
+    std::vector<Line> stack(size / sizeof(Line), line);
+    pthread_attr_t attributes;
+    pthread_t thread = {};
+    const auto run = [](void* function) -> void* {
+        (*static_cast<const std::function<void()>*>(function))();
+        return nullptr;
+    };
+    EXPECT_EQ(pthread_attr_init(&attributes), 0);
+    EXPECT_EQ(pthread_attr_setstack(&attributes, stack.data(), size), 0);
+    EXPECT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
+    EXPECT_EQ(pthread_join(thread, nullptr), 0);
+    EXPECT_EQ(pthread_attr_destroy(&attributes), 0);
+    const auto used =
+        std::find_if(stack.begin(), stack.end(), [&line](const Line& l) { return l.bytes != line.bytes; });
+    return static_cast<std::size_t>(stack.end() - used) * sizeof(Line);
+}
+#endif
+
 DataDirectory::DataDirectory() {
-    std::string name =
-        (std::filesystem::temp_directory_path() / ("lagestatus-" + std::string(6, 'X'))).string();
-    root = mkdtemp(name.data());
+    do {
+        root =
+            std::filesystem::temp_directory_path() / ("lagestatus-" + std::to_string(std::random_device()()));
+    } while (!std::filesystem::create_directory(root));
 }
 
 DataDirectory::~DataDirectory() {
@@ -83,7 +142,7 @@ DataDirectory::~DataDirectory() {
 }
 
 void DataDirectory::write(const std::string& name, std::string_view content) const {
-    std::ofstream(root / name, std::ios::binary) << content;
+    std::ofstream(root / on_disk(name), std::ios::binary) << content;
 }
 
 std::vector<std::string> good_lines() {

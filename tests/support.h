@@ -9,8 +9,10 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
+#include <functional>
 #include <initializer_list>
 #include <limits>
+#include <numbers>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,7 +51,7 @@ inline constexpr NamedEllipsoid ellipsoids[] = {{"Bessel", 6377397.155, 299.1528
                                                 {"Krassowski", 6378245.0, 298.3}};
 
 // The rows of a file in tests/data, one case a line, fields separated by tabs. Behind a backslash stand n r t
-// v f or x and two hexadecimal digits; {c*100} is the character c a hundred times. Lines that begin with #
+// v f, a backslash, or x and two hexadecimal digits; {c*100} is the character c a hundred times. Lines that begin with #
 // are comments.
 using Row = std::vector<std::string>;
 std::vector<Row> rows(const std::string& file);
@@ -74,9 +76,10 @@ struct Road {
 
 // Metres on the ground for one unit of a coordinate of a system of the sample.
 inline std::array<double, 3> metres_per_unit(int code, double latitude) {
-    const double perDegree = 6.4e6 * M_PI / 180;
-    return code % 10 == 1 ? std::array{perDegree, perDegree * std::cos(latitude * M_PI / 180), 1.0}
-                          : std::array{1.0, 1.0, 1.0};
+    const double perDegree = 6.4e6 * std::numbers::pi / 180;
+    return code % 10 == 1
+               ? std::array{perDegree, perDegree * std::cos(latitude * std::numbers::pi / 180), 1.0}
+               : std::array{1.0, 1.0, 1.0};
 }
 
 // Texts as they cross the boundary; narrow() fails the test when the terminator is missing.
@@ -84,6 +87,12 @@ std::u16string wide(std::string_view text);
 std::string narrow(const std::vector<char16_t>& buffer);
 
 std::size_t open_file_handles();
+
+// Runs work in a thread with a stack of size bytes; returns how much of it was used, where that can be seen, else 0.
+std::size_t on_small_stack(std::size_t size, const std::function<void()>& work);
+
+// A path of the file system for a name in ISO 8859-1, as the library looks for it.
+std::filesystem::path on_disk(const std::string& name);
 
 // A directory that exists as long as the object.
 class DataDirectory {

@@ -19,23 +19,50 @@ namespace lagestatus {
 #if defined(__x86_64__) || defined(__i386__)
 class DefaultFloatEnvironment {
   public:
-    // <cfenv> leaves flush-to-zero alone in some runtimes and the whole of MXCSR in others.
-    DefaultFloatEnvironment() noexcept : hostMxcsr(_mm_getcsr()) {
-        asm volatile("fnstenv %0\n\tfninit" : "=m"(hostX87) : : "memory");
+    // <cfenv> leaves flush-to-zero alone in some runtimes and the whole of MXCSR in others. It also always stores and
+    // loads the environment of the x87, which takes as long as a third of a small transformation: here only if one of
+    // its flags is raised, for they can be put back in no other way.
+    DefaultFloatEnvironment() noexcept : hostMxcsr(_mm_getcsr()), hostFlags(x87_flags()) {
+        asm volatile("fnstcw %0" : "=m"(hostControl) : : "memory");
+        if (hostFlags != 0) {
+            asm volatile("fnstenv %0\n\tfninit" : "=m"(hostX87) : : "memory");
+        } else if (hostControl != defaultControl) {
+            asm volatile("fldcw %0" : : "m"(defaultControl) : "memory");
+        }
         _mm_setcsr(defaultMxcsr);
     }
     ~DefaultFloatEnvironment() {
         _mm_setcsr(hostMxcsr);
-        asm volatile("fldenv %0" : : "m"(hostX87) : "memory");
+        if (hostFlags != 0) {
+            asm volatile("fldenv %0" : : "m"(hostX87) : "memory");
+            return;
+        }
+        if (x87_flags() != 0) {
+            asm volatile("fnclex" : : : "memory");
+        }
+        if (hostControl != defaultControl) {
+            asm volatile("fldcw %0" : : "m"(hostControl) : "memory");
+        }
     }
     DefaultFloatEnvironment(const DefaultFloatEnvironment&) = delete;
     DefaultFloatEnvironment& operator=(const DefaultFloatEnvironment&) = delete;
 
   private:
-    static constexpr unsigned defaultMxcsr = 0x1F80;  // as the processor starts: all exceptions masked
+    // As the processor starts: all exceptions masked, rounding to nearest, the x87 with its full 64 bits.
+    static constexpr unsigned defaultMxcsr = 0x1F80;
+    static constexpr std::uint16_t defaultControl = 0x37F;
+    static constexpr std::uint16_t allFlags = 0xFF;
+
+    static std::uint16_t x87_flags() noexcept {
+        std::uint16_t status = 0;
+        asm volatile("fnstsw %0" : "=a"(status) : : "memory");
+        return status & allFlags;
+    }
 
     unsigned hostMxcsr;
-    std::array<std::uint32_t, 7> hostX87 = {};  // the 28 bytes of FNSTENV
+    std::uint16_t hostFlags;
+    std::uint16_t hostControl = 0;
+    std::array<std::uint32_t, 7> hostX87;  // the 28 bytes of FNSTENV, if a flag is raised
 };
 #else
 class DefaultFloatEnvironment {

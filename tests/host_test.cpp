@@ -1,0 +1,240 @@
+// Host programs as they are: their arithmetic, their locale, their stacks, their memory.
+#include <bit>
+#include <cfenv>
+#include <clocale>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "support.h"
+
+#if defined(__x86_64__)
+#include <xmmintrin.h>
+#endif
+
+using namespace testing_support;
+
+namespace {
+
+// The Rauenberg in every system of the sample.
+std::vector<std::pair<int, std::array<double, 3>>> places() {
+    std::vector<std::pair<int, std::array<double, 3>>> all;
+    for (const int code : {101, 103, 201, 105, 203, 102, 301, 104, 202, 303}) {
+        const Transformed place = transform(SAMPLE_DIR, 101, code, {52.4533391667, 13.3680355556, 62});
+        EXPECT_EQ(place.status, 0);
+        all.push_back({code, {place.result[0], place.result[1], place.result[2]}});
+    }
+    return all;
+}
+
+// What all calls that compute return, bit for bit: each system to the next one and there from a normal height, both
+// descriptions of each, and numbers that trap. Computes nothing itself.
+std::vector<std::uint64_t> everything(const std::vector<std::pair<int, std::array<double, 3>>>& places) {
+    std::vector<std::uint64_t> all;
+    const auto keep = [&all](int status, const auto& values) {
+        all.push_back(static_cast<std::uint64_t>(status));
+        for (const double value : values) {
+            all.push_back(std::bit_cast<std::uint64_t>(value));
+        }
+    };
+    const auto keep_transformed = [&](int from, int to, const std::array<double, 3>& point, char mode) {
+        const Transformed done = transform(SAMPLE_DIR, from, to, point, mode);
+        keep(done.status, done.result);
+    };
+    for (std::size_t number = 0; number < places.size(); ++number) {
+        const auto& [code, place] = places[number];
+        const int next = places[(number + 1) % places.size()].first;
+        keep_transformed(code, next, place, 'e');
+        keep_transformed(code, next, place, 'n');
+        keep_transformed(code, next, {notANumber, place[1], infinity}, 'n');
+    }
+    for (const Role role : {Role::source, Role::target}) {
+        const Description system = describe(role, SAMPLE_DIR, "system-42-83-gauss-krueger", 0, 303);
+        keep(system.status, system.parameters);
+    }
+    Road road;
+    road.directory = SAMPLE_DIR;
+    road.point = {52.5, 13.4, 100.0};
+    road.targetKind = "Soldner";
+    road.targetFlag = -1;
+    road.target[lagestatus::slot::longitudeOfOrigin] = 13.0;
+    keep(road.run(), road.point);
+    return all;
+}
+
+#if defined(__x86_64__)
+struct FloatState {
+    unsigned mxcsr;
+    std::uint16_t x87Control;
+    std::uint16_t x87Flags;
+    bool operator==(const FloatState&) const = default;
+};
+
+FloatState float_state() {
+    FloatState state = {_mm_getcsr(), 0, 0};
+    asm volatile("fnstcw %0" : "=m"(state.x87Control));
+    asm volatile("fnstsw %0" : "=m"(state.x87Flags));
+    state.x87Flags &= 0x3F;  // the rest belongs to no one
+    return state;
+}
+
+void set_float_state(const FloatState& state) {
+    asm volatile("fninit");
+    if (state.x87Flags != 0) {
+        asm volatile("fldl2e\n\tfldpi\n\tfmulp\n\tfstp %%st(0)" : : : "st", "st(1)");  // inexact
+    }
+    asm volatile("fldcw %0" : : "m"(state.x87Control));
+    _mm_setcsr(state.mxcsr);
+}
+
+TEST(Host, KeepsItsArithmeticAndGetsTheSameBits) {
+    constexpr unsigned masked = 0x1F80;
+    constexpr std::uint16_t full = 0x37F;
+    const std::pair<const char*, FloatState> hosts[] = {
+        {"as it comes, no flag raised", {masked, full, 0}},
+        {"rounding down", {masked | 0x2000, full | 0x400, 0}},
+        {"rounding up", {masked | 0x4000, full | 0x800, 0}},
+        {"rounding towards zero", {masked | 0x6000, full | 0xC00, 0}},
+        {"subnormal numbers flushed and taken as zero", {masked | 0x8040, full, 0}},
+        {"all flags raised, and inexact of the x87", {masked | 0x3F, full, 0x20}},
+        {"x87 inexact, rounding down", {masked, full | 0x400, 0x20}},
+        {"everything traps", {0, 0x340, 0}},
+        {"Delphi: division by zero, overflow and invalid operations trap", {0x1900, 0x1332, 0}},
+        {"Visual C++: x87 results cut to 53 bits", {masked, 0x27F, 0}},
+        {"x87 results cut to 24 bits, rounding up", {masked, 0x87F, 0}},
+    };
+    const auto points = places();
+    const auto expected = everything(points);
+    ASSERT_GT(expected.size(), 200U);
+    const FloatState before = float_state();
+    for (const auto& [name, host] : hosts) {
+        set_float_state(host);
+        const FloatState set = float_state();  // one bit of the x87 control word cannot be cleared
+        const auto got = everything(points);
+        const FloatState after = float_state();
+        set_float_state(before);
+        EXPECT_EQ(got, expected) << name;
+        EXPECT_EQ(set.mxcsr, host.mxcsr) << name;
+        EXPECT_EQ(set.x87Flags, host.x87Flags) << name;
+        EXPECT_EQ(after, set) << name << std::hex << ": " << after.mxcsr << ' ' << after.x87Control << ' '
+                              << after.x87Flags;
+    }
+}
+#endif
+
+TEST(Host, MayRoundAndCountAsItLikes) {
+    const auto points = places();
+    const auto expected = everything(points);
+    for (const int rounding : {FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO}) {
+        ASSERT_EQ(std::fesetround(rounding), 0);
+        const auto got = everything(points);
+        const int after = std::fegetround();
+        std::fesetround(FE_TONEAREST);
+        EXPECT_EQ(got, expected);
+        EXPECT_EQ(after, rounding);
+    }
+#ifdef _WIN32
+    ASSERT_NE(std::setlocale(LC_ALL, "German_Germany.1252"), nullptr);
+#else
+    ASSERT_EQ(setenv("LOCPATH", TEST_LOCALES, 1), 0);
+    ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
+#endif
+    EXPECT_STREQ(std::localeconv()->decimal_point, ",");
+    EXPECT_EQ(everything(points), expected);
+    std::setlocale(LC_ALL, "C");
+}
+
+TEST(Host, MayHaveSmallStacks) {
+    constexpr std::size_t promised = 128 * 1024;
+#if defined(__SANITIZE_ADDRESS__)
+    constexpr std::size_t given = 8 * promised;  // red zones around every array
+#else
+    constexpr std::size_t given = promised;  // the thread's own data and the test's lie in it too
+#endif
+    const auto points = places();
+    const auto expected = everything(points);
+    std::vector<std::uint64_t> got;
+    const std::size_t used = on_small_stack(given, [&] { got = everything(points); });
+    EXPECT_EQ(got, expected);
+    RecordProperty("stack_bytes", std::to_string(used));
+}
+
+// An array of T at an address that no alignment allows.
+template <typename T, std::size_t N>
+class Misplaced {
+  public:
+    explicit Misplaced(const std::array<T, N>& values = {}) {
+        std::memcpy(get(), values.data(), sizeof(values));
+    }
+    T* get() { return reinterpret_cast<T*>(bytes.data() + 1); }
+    [[nodiscard]] std::array<T, N> values() const {
+        std::array<T, N> copy;
+        std::memcpy(copy.data(), bytes.data() + 1, sizeof(copy));
+        return copy;
+    }
+
+  private:
+    alignas(T) std::array<unsigned char, sizeof(T) * N + 1> bytes = {};
+};
+
+template <std::size_t N>
+std::array<char16_t, N> text(const char16_t (&literal)[N]) {
+    return std::to_array(literal);
+}
+
+TEST(Host, MayPassMemoryAtAnyAddress) {
+    const std::string sample = SAMPLE_DIR;
+    std::array<char16_t, 100> units = {};
+    std::copy(sample.begin(), sample.end(), units.begin());
+    Misplaced directory(units);
+    Misplaced<char16_t, 100> name, name2;
+    Misplaced<char16_t, 11> ellipsoid, ellipsoid2;
+    Misplaced<char16_t, 14> kind, kind2;
+    Misplaced<double, 36> parameters, parameters2;
+    Misplaced<double, 4> result;
+    Misplaced<int, 2> auxiliary;
+    Misplaced<int, 1> zone, flag, count;
+    Misplaced<int, 100> codes, auxiliaries;
+    Misplaced<char16_t, 10000> names;
+    Misplaced<char16_t, 300> buffer;
+
+    EXPECT_EQ(test_dll(1, 2, 3, result.get()), 0);
+    EXPECT_EQ(result.values(), (std::array{1.0, 2.0, 3.0, 3.0}));
+    EXPECT_EQ(
+        translD_dll(directory.get(), flag.get(), count.get(), codes.get(), auxiliaries.get(), names.get()),
+        0);
+    EXPECT_EQ((std::array{count.values()[0], codes.values()[9], auxiliaries.values()[8]}),
+              (std::array{10, 303, 4178}));
+    EXPECT_EQ(std::u16string(names.values().data() + 700), u"etrs89-utm");
+
+    const Transformed expected = transform(sample, 101, 203, {52.5, 13.4, 100});
+    EXPECT_EQ(
+        trans_dll(52.5, 13.4, 100, 101, 203, directory.get(), "e", result.get(), name.get(), auxiliary.get(),
+                  ellipsoid.get(), kind.get(), name2.get(), ellipsoid2.get(), kind2.get()),
+        0);
+    EXPECT_EQ(result.values(), expected.result);
+    EXPECT_EQ(auxiliary.values(), expected.auxiliary);
+    EXPECT_EQ(std::u16string(name2.values().data()), u"ETRS89 UTM");
+
+    Misplaced file(text(u"dhdn-geographisch"));
+    Misplaced file2(text(u"etrs89-utm"));
+    Misplaced<double, 3> point({52.5, 13.4, 100});
+    EXPECT_EQ(transla_dll(directory.get(), file.get(), 0, 101, name.get(), ellipsoid.get(), kind.get(),
+                          parameters.get()),
+              0);
+    EXPECT_EQ(translz_dll(directory.get(), file2.get(), 0, 203, name2.get(), ellipsoid2.get(), kind2.get(),
+                          zone.get(), parameters2.get()),
+              0);
+    result = Misplaced<double, 4>();
+    EXPECT_EQ(
+        transr_dll(point.get(), kind.get(), kind2.get(), result.get(), ellipsoid.get(), parameters.get(),
+                   ellipsoid2.get(), parameters2.get(), zone.values()[0], 0, -1, directory.get()),
+        0);
+    EXPECT_EQ(result.values(), expected.result);
+
+    transfm_dll(605, file.get(), buffer.get());
+    EXPECT_EQ(std::u16string(buffer.values().data()),
+              u"Lesen der Lagestatusangabe in der Definitionsdatei dhdn-geographisch 6. Angabe");
+}
+
+}  // namespace

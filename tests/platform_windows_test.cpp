@@ -1,0 +1,62 @@
+// What a file is, and what is found, on Windows.
+#include <windows.h>
+
+#include <filesystem>
+
+#include "datafiles/data_file.h"
+#include "support.h"
+
+using namespace testing_support;
+
+namespace {
+
+TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
+    namespace fs = std::filesystem;
+    const DataDirectory directory;
+    const std::string root = directory.path();
+    directory.write("dEFAULt", "-1\n");
+    directory.write("\x96.tra", join(good_lines()));  // an en dash of code page 1252, as written below
+    fs::rename(fs::path(root) / u"\u0096.tra", fs::path(root) / u"\u2013.tra");
+    for (const char* below : {"/isdir/DEFAULT", "/locked"}) {
+        fs::create_directories(root + below);
+    }
+    directory.write("locked/DEFAULT", "-2\n");
+    const std::size_t handles = open_file_handles();
+
+    EXPECT_EQ(list(root).count, -1) << "whatever the case of letters";
+    EXPECT_EQ(describe(Role::source, root, "\x96", 0, 17).status, 0);
+    EXPECT_EQ(list(root + "/isdir").status, 1);
+    for (const char* device : {"NUL", "CON", "C:NUL", "\\\\.\\pipe\\none"}) {
+        EXPECT_EQ(list(device).status, 1) << device;
+        EXPECT_EQ(describe(Role::source, ".", device, 0, 17).status, 7) << device;
+        lagestatus::DataFile file;
+        EXPECT_FALSE(file.open(".", device)) << device << " is no regular file";
+    }
+    EXPECT_EQ(list("\\\\none\\none").status, 1) << "a server that there is not";
+
+    // The root of a drive, in all its forms (outside Wine this wants an administrator).
+    const std::string drive = root.substr(0, 2);
+    const fs::path atRoot = drive + "\\DEFAULT";
+    ASSERT_FALSE(fs::exists(atRoot));
+    fs::copy_file(root + "/DEFAULT", atRoot);
+    const fs::path before = fs::current_path();
+    fs::current_path(drive + "\\");
+    for (const std::string& rootOfDrive : {std::string(), std::string("\\"), std::string("/"),
+                                           std::string("."), drive, drive + "\\", drive + "/"}) {
+        EXPECT_EQ(list(rootOfDrive).count, -1) << rootOfDrive;
+    }
+    fs::current_path(before);
+    fs::remove(atRoot);
+
+    // A file that another program writes is read; one that it keeps to itself is not there.
+    for (const DWORD sharing : {DWORD{FILE_SHARE_READ}, DWORD{0}}) {
+        HANDLE const other = CreateFileW(fs::path(root + "/locked/DEFAULT").c_str(), GENERIC_WRITE, sharing,
+                                         nullptr, OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(other, INVALID_HANDLE_VALUE);
+        EXPECT_EQ(list(root + "/locked").status, sharing == 0 ? 1 : 0);
+        CloseHandle(other);
+    }
+    EXPECT_EQ(open_file_handles(), handles);
+}
+
+}  // namespace
