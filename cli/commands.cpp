@@ -8,10 +8,12 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <utility>
 
 #include "library.h"
+#include "platform.h"
 #include "point_line.h"
 
 namespace cli {
@@ -33,7 +35,8 @@ void put(std::string_view text) {
 }
 
 std::string in_directory(const std::string& directory, const std::string& name) {
-    return directory == "." ? name : directory + "/" + name;
+    constexpr char separator = static_cast<char>(std::filesystem::path::preferred_separator);
+    return directory == "." ? name : directory + separator + name;
 }
 
 void complain(int status, const std::string& fileName) {
@@ -72,7 +75,14 @@ const Entry* find_entry(const Definition& definition, int code) {
 
 // Reads DEFAULT; says on stderr what is wrong with it.
 bool open_directory(const std::string& directory, Definition& definition) {
-    if (directory.size() >= LAGESTATUS_NAME_SIZE) {
+    const std::optional<std::string> bytes = directory_bytes(directory);
+    if (!bytes) {
+        std::fprintf(stderr,
+                     "lagestatus: %s: data directories may have the characters of Windows-1252 only\n",
+                     directory.c_str());
+        return false;
+    }
+    if (bytes->size() >= LAGESTATUS_NAME_SIZE) {
         std::fprintf(stderr, "lagestatus: the name of the data directory has more than %d characters\n",
                      LAGESTATUS_NAME_SIZE - 1);
         return false;
@@ -383,8 +393,8 @@ int transform_points(const TransformOptions& options) {
     // All files are opened before the first row: a wrong name must not be found out half way.
     std::vector<std::ifstream> files;
     for (const std::string& name : options.files) {
-        files.emplace_back(name);
-        if (!files.back() || std::filesystem::is_directory(name)) {
+        files.emplace_back(file_path(name), std::ios::binary);
+        if (!files.back() || std::filesystem::is_directory(file_path(name))) {
             std::fprintf(stderr, "lagestatus: %s: cannot be opened\n", name.c_str());
             return nothingDone;
         }

@@ -4,13 +4,15 @@
 #include <array>
 #include <cstddef>
 
+#include "platform.h"
+
 namespace cli {
 namespace {
 
-// Path names go through as the bytes they are: the library hands each unit's low 8 bits to the system.
-std::u16string path_units(std::string_view path) {
+// Path names go through byte by byte: the library hands each unit's low 8 bits to the system.
+std::u16string path_units(const std::string& path) {
     std::u16string units;
-    for (const char byte : path) {
+    for (const char byte : directory_bytes(path).value_or("")) {
         units.push_back(static_cast<unsigned char>(byte));
     }
     return units;

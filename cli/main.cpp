@@ -1,17 +1,22 @@
 // The command lagestatus: a client of the exported interface.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "commands.h"
+#include "platform.h"
 
 namespace {
 
-int run(int argc, char** argv) {
+int run(std::vector<std::string> arguments) {
     CLI::App app("Carries points between the coordinate systems (Lagestatus) of the German state surveys.",
                  "lagestatus");
     app.set_version_flag("--version", "lagestatus " LAGESTATUS_VERSION);
+    app.allow_windows_style_options(false);  // a path may begin with a slash
     app.require_subcommand(1);
     app.footer(
         "Examples:\n"
@@ -55,7 +60,8 @@ int run(int argc, char** argv) {
     message->add_option("NAME", fileName, "File that the failure concerns");
 
     try {
-        app.parse(argc, argv);
+        std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
+        app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? cli::allGood : cli::nothingDone;
     }
@@ -76,7 +82,8 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
-        const int status = run(argc, argv);
+        const cli::StandardStreams streams;
+        const int status = run(cli::arguments(argc, argv));
         if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
             std::perror("lagestatus: standard output");
             return cli::nothingDone;

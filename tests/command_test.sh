@@ -1,5 +1,6 @@
 #!/bin/sh
-# Runs the command as a user would. Usage: command_test.sh PROGRAM SAMPLE_DIRECTORY
+# Runs the command as a user would. Usage: command_test.sh PROGRAM SAMPLE_DIRECTORY; PROGRAM may be several words
+# ("wine lagestatus.exe"). Line ends of Windows count as those of here.
 # Each case: exit status, a pattern for standard output, one for standard error (- for an empty stream), arguments.
 program=$1
 sample=$2
@@ -11,8 +12,9 @@ failures=0
 check() {
     status=$1 out=$2 err=$3
     shift 3
-    "$program" "$@" <"$work/in" >"$work/out" 2>"$work/err"
+    $program "$@" <"$work/in" >"$work/out" 2>"$work/err"
     got=$?
+    sed -i 's/\r$//' "$work/out" "$work/err"
     cases=$((cases + 1))
     for stream in out err; do
         eval pattern=\$$stream
@@ -43,7 +45,7 @@ printf '52.498595283 13.398258472 100\n' >"$work/in"
 # echo 13.398258472 52.498595283 139.3263 | cct -d 4 +proj=cart +ellps=GRS80
 check 0 '^ *3785272\.07[0-9]+ +901657\.4259 +5036879\.95[0-9]+$' - transform --from 201 --to 202 -d "$sample" --height n
 check 2 - 'status 93: Zur Lagestatusangabe existiert keine' transform --from 101 --to 999 -d "$sample"
-check 2 - 'Definitionsdatei /none/DEFAULT kann zum Lesen nicht geöffnet' transform --from 1 --to 2 -d /none
+check 2 - 'Definitionsdatei /none.DEFAULT kann zum Lesen nicht geöffnet' transform --from 1 --to 2 -d /none
 check 2 - 'more than 99 characters' list -d "$(printf 'd%.0s' $(seq 100))"
 check 2 - 'cannot be opened' transform --from 101 --to 201 -d "$sample" "$work/none"
 check 2 - '--height' transform --from 101 --to 201 --height x -d "$sample"
@@ -100,8 +102,8 @@ check 0 '^ *3834198\.6183 +885064\.4592 +5002813\.0793$' - transform --from 301 
 printf '101\n' >"$work/etrs89-geographisch.tra"
 check 1 '^201 .*status 9: Lesefehler in etrs89-geographisch.tra beim Vergleichen' - list -d "$work"
 check 2 - 'etrs89-geographisch.tra beim Vergleichen' transform --from 101 --to 201 -d "$work"
-"$program" transform --from 101 --to 201 -d "$sample" <"$work" 2>/dev/null && failures=$((failures + 1))
-[ -e /dev/full ] && "$program" message 93 >/dev/full 2>/dev/null && failures=$((failures + 1))
+$program transform --from 101 --to 201 -d "$sample" <"$work" 2>/dev/null && failures=$((failures + 1))
+[ -e /dev/full ] && $program message 93 >/dev/full 2>/dev/null && failures=$((failures + 1))
 
 echo "$((cases - failures)) passed, $failures failed"
 [ $failures = 0 ]
