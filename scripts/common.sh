@@ -6,7 +6,18 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 buildPackages=(g++ cmake ninja-build libcli11-dev)
 testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config locales)
 checkPackages=(clang-format clang-tidy python3 proj-bin)
+windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld)
+examplePackages=(mono-mcs mono-runtime fp-compiler fp-units-rtl python3)
+packagePackages=(dpkg-dev unzip)
 benchPackages=(libbenchmark-dev libproj-dev pkg-config python3)
+
+windowsCompiler=x86_64-w64-mingw32-gcc-posix
+
+step() { printf '== %s\n' "$*"; }
+fail() {
+    echo "$*" >&2
+    exit 1
+}
 
 as_root() {
     if [ "$(id -u)" = 0 ]; then
@@ -47,11 +58,39 @@ need() {
     done
 }
 
-# Configures and builds a preset, quietly unless it fails.
+# Unpacks the source of a package of the distribution into build/sources, for what must be built for another system.
+unpack_source() {
+    local name=$1 lists
+    [ ! -d "build/sources/$name" ] || return 0
+    echo "Fetching the source of $name"
+    mkdir -p build/sources/lists/partial
+    for distribution in Debian Ubuntu; do
+        apt-get indextargets --format "deb-src \$(REPO_URI) \$(RELEASE) \$(COMPONENT)" \
+            'Created-By: Packages' "Origin: $distribution"
+    done | sort -u >build/sources/sources.list
+    lists=(-o Dir::Etc::sourcelist="$PWD/build/sources/sources.list" -o Dir::Etc::sourceparts=-
+        -o Dir::State::Lists="$PWD/build/sources/lists" -o APT::Sandbox::User=)
+    apt-get "${lists[@]}" update -qq
+    (cd build/sources && apt-get "${lists[@]}" source -qq "$name" >/dev/null)
+    mv build/sources/"$name"-[0-9]*/ "build/sources/$name"
+}
+
+# Makes ready for programs of Windows: a Wine of this tree's own, without its dialogs.
+use_wine() {
+    export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' LC_ALL=C.UTF-8
+    mkdir -p build/wine
+    wineboot --init >build/wine/boot.log 2>&1 || {
+        cat build/wine/boot.log >&2
+        return 1
+    }
+}
+stop_wine() { wineserver --kill || true; }
+
+# Configures and builds a preset, quietly unless it fails; further arguments go to the configuration.
 build() {
     local log
     log=$(mktemp)
-    if ! { cmake --preset "$1" && cmake --build --preset "$1"; } >"$log" 2>&1; then
+    if ! { cmake --preset "$@" && cmake --build --preset "$1"; } >"$log" 2>&1; then
         cat "$log" >&2
         rm -f "$log"
         return 1
