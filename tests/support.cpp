@@ -1,6 +1,7 @@
 #include "support.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -84,17 +85,20 @@ std::filesystem::path on_disk(const std::string& name) {
     return wide(name);
 }
 
-std::size_t on_small_stack(std::size_t size, const std::function<void()>& work) {
+namespace {
+
+void in_thread(std::size_t stackSize, const std::function<void()>& work) {
     const auto run = [](void* function) -> DWORD {
         (*static_cast<const std::function<void()>*>(function))();
         return 0;
     };
-    HANDLE const thread = CreateThread(nullptr, size, run, const_cast<std::function<void()>*>(&work),
+    HANDLE const thread = CreateThread(nullptr, stackSize, run, const_cast<std::function<void()>*>(&work),
                                        STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
     EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
     CloseHandle(thread);
-    return 0;
 }
+
+}  // namespace
 #else
 std::size_t open_file_handles() {
     const std::filesystem::directory_iterator handles("/proc/self/fd");
@@ -105,30 +109,54 @@ std::filesystem::path on_disk(const std::string& name) {
     return name;
 }
 
-std::size_t on_small_stack(std::size_t size, const std::function<void()>& work) {
-    constexpr unsigned char unusedByte = 0xA5;
-    struct alignas(64) Line {
-        std::array<unsigned char, 64> bytes;
-    };
-    Line line = {};
-    line.bytes.fill(unusedByte);
-    std::vector<Line> stack(size / sizeof(Line), line);
-    pthread_attr_t attributes;
-    pthread_t thread = {};
+namespace {
+
+void in_thread(std::size_t stackSize, const std::function<void()>& work) {
     const auto run = [](void* function) -> void* {
         (*static_cast<const std::function<void()>*>(function))();
         return nullptr;
     };
+    pthread_attr_t attributes;
+    pthread_t thread = {};
     EXPECT_EQ(pthread_attr_init(&attributes), 0);
-    EXPECT_EQ(pthread_attr_setstack(&attributes, stack.data(), size), 0);
+    EXPECT_EQ(pthread_attr_setstacksize(&attributes, stackSize), 0);
     EXPECT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
     EXPECT_EQ(pthread_join(thread, nullptr), 0);
     EXPECT_EQ(pthread_attr_destroy(&attributes), 0);
-    const auto used =
-        std::find_if(stack.begin(), stack.end(), [&line](const Line& l) { return l.bytes != line.bytes; });
-    return static_cast<std::size_t>(stack.end() - used) * sizeof(Line);
 }
+
+}  // namespace
 #endif
+
+namespace {
+
+constexpr unsigned char paint = 0xA5;
+
+// Both have their bytes where the next function called has its frame.
+[[gnu::noinline]] void paint_stack(std::size_t size) {
+    void* const bytes = __builtin_alloca(size);
+    std::memset(bytes, paint, size);
+    asm volatile("" : : "r"(bytes) : "memory");
+}
+[[gnu::noinline]] std::size_t used_stack(std::size_t size) {
+    auto* bytes = static_cast<unsigned char*>(__builtin_alloca(size));
+    asm volatile("" : "+r"(bytes) : : "memory");
+    return static_cast<std::size_t>(bytes + size -
+                                    std::find_if(bytes, bytes + size, [](auto b) { return b != paint; }));
+}
+
+}  // namespace
+
+std::size_t on_small_stack(std::size_t size, const std::function<void()>& work) {
+    std::size_t used = 0;
+    in_thread(size, [&] {
+        const std::size_t free = size - 16384;  // but for what the thread itself has there
+        paint_stack(free);
+        work();
+        used = used_stack(free - 4096);  // its own frame may be the larger one
+    });
+    return used;
+}
 
 DataDirectory::DataDirectory() {
     do {

@@ -88,7 +88,7 @@ std::string narrow(const std::vector<char16_t>& buffer);
 
 std::size_t open_file_handles();
 
-// Runs work in a thread with a stack of size bytes; returns how much of it was used, where that can be seen, else 0.
+// Runs work in a thread with a stack of size bytes (Wine gives a mebibyte at least); returns how much of it was used.
 std::size_t on_small_stack(std::size_t size, const std::function<void()>& work);
 
 // A path of the file system for a name in ISO 8859-1, as the library looks for it.
