@@ -22,7 +22,7 @@ std::optional<std::string> directory_bytes(const std::string& utf8);
 class StandardStreams {
   public:
     StandardStreams();
-    ~StandardStreams();
+    ~StandardStreams();  // NOLINT(performance-trivially-destructible): it has work to do on Windows
     StandardStreams(const StandardStreams&) = delete;
     StandardStreams& operator=(const StandardStreams&) = delete;
 

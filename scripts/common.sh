@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 buildPackages=(g++ cmake ninja-build libcli11-dev)
 testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config locales)
 checkPackages=(clang-format clang-tidy python3 proj-bin)
-windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld)
+windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld clang-tidy)
 examplePackages=(mono-mcs mono-runtime fp-compiler fp-units-rtl python3)
 packagePackages=(dpkg-dev unzip)
 benchPackages=(libbenchmark-dev libproj-dev pkg-config python3)

@@ -44,7 +44,7 @@ FileHandle open_data_file(std::string_view joined) noexcept {
     }
     const NoErrorBoxes quiet;
     // Others may go on writing, renaming and deleting. Should the path name a pipe, its server may not act as the host.
-    HANDLE const file = CreateFileW(
+    const auto file = CreateFileW(
         path.data(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
         OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN | SECURITY_SQOS_PRESENT | SECURITY_ANONYMOUS, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
