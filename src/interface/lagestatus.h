@@ -45,13 +45,14 @@
  *   A directory or file name takes at most 99 characters (299 for transr_dll); a longer one is never cut into
  *   another name but counts as a file that cannot be opened.
  *   "." is the current directory (for hoehe.ini the empty text is, too); to any other directory a backslash and the
- *   file name are appended. Off Windows the backslash is a separator, and a file is found even when the case of its
+ *   file name are appended. On Windows the 8-bit characters are those of Windows-1252, whatever code page is set. Off
+ *   Windows they are the bytes of the name, the backslash is a separator, and a file is found even when the case of its
  *   letters differs.
  *
  * Buffers
  *   All buffers are the caller's and must have at least the length given; no pointer may be NULL. Text buffers
  *   are always terminated; what stands behind the terminator is not defined. Unless said otherwise, outputs may
- *   not overlap inputs or each other.
+ *   not overlap inputs or each other. They may lie at any address: packed records need no care.
  *
  *     LAGESTATUS_NAME_SIZE        units of a system name, a directory or file name
  *     LAGESTATUS_ELLIPSOID_SIZE   units of an ellipsoid name
@@ -89,7 +90,15 @@
  * Threads
  *   Nothing survives a call and nothing is shared between calls: no state, no cache, no heap memory, no locale.
  *   So a height anomaly costs the reading of hoehe.ini from its start to the row of the point, southernmost first.
- *   Any number of threads may call at once, as long as they do not share output buffers.
+ *   Any number of threads may call at once, as long as they do not share output buffers. A call takes less than
+ *   128 KiB of stack.
+ *
+ * Host programs
+ *   Rounding mode, flush-to-zero, trapping of floating-point exceptions (Delphi's default), precision of the x87 and
+ *   locale may be what they are: every call computes in an environment of its own, with the same bits in every host,
+ *   and leaves the host's as it was, raised flags included.
+ *   Windows: one calling convention, undecorated names, no structures, int of 32 bits; lagestatus.lib is the import
+ *   library for Visual C++ and for MinGW. lagestatus.dll needs 64-bit Windows 7 or later and nothing beside it.
  *
  * Not promised
  *   The parameters passed to transr_dll are used unchanged and unchecked. A data file that is being written while
