@@ -8,7 +8,7 @@ testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config l
 checkPackages=(clang-format clang-tidy python3 proj-bin)
 windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld clang-tidy)
 examplePackages=(mono-mcs mono-runtime fp-compiler fp-units-rtl python3)
-packagePackages=(dpkg-dev unzip)
+packagePackages=(dpkg-dev file unzip)
 benchPackages=(libbenchmark-dev libproj-dev pkg-config python3)
 
 windowsCompiler=x86_64-w64-mingw32-gcc-posix
