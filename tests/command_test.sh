@@ -68,6 +68,17 @@ check 2 - . unknown
 check 0 'Lesefehler in a�+b😀�+ beim' - message 8 "$(printf 'a\340\200\200b\360\237\230\200\377\303')"
 check 0 '^lagestatus [0-9]' - --version
 check 0 'transform' - --help
+mkdir "$work/Größe – neu" "$work/Łódź"
+for directory in "$work/Größe – neu" "$work/Łódź"; do
+    cp "$sample"/* "$directory"
+done
+check 0 'Gauß-Krüger' - list -d "$work/Größe – neu"
+case $program in
+*.exe) check 2 - 'Łódź: .*Windows-1252' list -d "$work/Łódź" ;;
+*) check 0 'Gauß-Krüger' - list -d "$work/Łódź" ;;
+esac
+printf '52.5 13.4 100 Ort Ä\n' >"$work/Łódź/pünkte"
+check 0 '^ *52\.498595283 .*Ä$' - transform --from 101 --to 201 -d "$work/Größe – neu/" "$work/Łódź/pünkte"
 cp "$sample"/* "$work/"
 # A file without its second column serves as a source.
 LC_ALL=C sed -i 's/^\([-0-9.e]*\)  *[-0-9.e]*$/\1/' "$work/system-42-83-geographisch.tra"

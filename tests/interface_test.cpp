@@ -9,10 +9,10 @@ using namespace testing_support;
 namespace {
 
 // The promised lengths, so that a sanitizer sees a message that outgrows them.
-std::string message(int code, const std::u16string& name, bool namesFile) {
-    std::vector<char16_t> buffer(namesFile ? 91 + name.size() : 129, u'x');
-    transfm_dll(code, name.c_str(), buffer.data());
-    return narrow(buffer);
+std::string message(int code, const std::string& name, bool namesFile) {
+    Buffer<char16_t> buffer(namesFile ? 91 + name.size() : 129, u'x');
+    transfm_dll(code, text(name).get(), buffer.get());
+    return narrow(buffer.values());
 }
 
 TEST(Messages, AreThoseOfTheCatalogue) {
@@ -26,11 +26,11 @@ TEST(Messages, AreThoseOfTheCatalogue) {
         std::string expected = found == catalogue.end() ? "" : found->second;
         const std::size_t place = expected.find("NAME");
         const bool namesFile = place != std::string::npos;
-        EXPECT_EQ(message(code, u"NAME", namesFile), expected) << code;
-        EXPECT_EQ(message(code, u"", namesFile), namesFile ? expected.erase(place, 4) : expected) << code;
+        EXPECT_EQ(message(code, "NAME", namesFile), expected) << code;
+        EXPECT_EQ(message(code, "", namesFile), namesFile ? expected.erase(place, 4) : expected) << code;
     }
     for (const int extreme : {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
-        EXPECT_EQ(message(extreme, u"NAME", false), "");
+        EXPECT_EQ(message(extreme, "NAME", false), "");
     }
     // A file name is inserted whole and unit by unit.
     std::vector<char16_t> buffer(91 + 700, u'x');

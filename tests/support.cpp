@@ -61,9 +61,13 @@ std::u16string wide(std::string_view text) {
     return units;
 }
 
-std::string narrow(const std::vector<char16_t>& buffer) {
+Buffer<char16_t> text(std::string_view text) {
+    return Buffer<char16_t>(wide(text) + u'\0');
+}
+
+std::string narrow(const std::vector<char16_t>& units) {
     std::string text;
-    for (const char16_t unit : buffer) {
+    for (const char16_t unit : units) {
         if (unit == u'\0') {
             return text;
         }
@@ -214,9 +218,13 @@ lagestatus::ParameterArray parameters(const std::string& settings) {
 }
 
 int Road::run() {
-    return transr_dll(point.data(), wide(sourceKind).c_str(), wide(targetKind).c_str(), point.data(),
-                      wide(sourceEllipsoid).c_str(), source.data(), wide(targetEllipsoid).c_str(),
-                      target.data(), zone, sourceFlag, targetFlag, wide(directory).c_str());
+    Buffer<double> place(point);
+    const int status =
+        transr_dll(place.get(), text(sourceKind).get(), text(targetKind).get(), place.get(),
+                   text(sourceEllipsoid).get(), Buffer<double>(source).get(), text(targetEllipsoid).get(),
+                   Buffer<double>(target).get(), zone, sourceFlag, targetFlag, text(directory).get());
+    std::ranges::copy(place.values(), point.begin());
+    return status;
 }
 
 std::string join(const std::vector<std::string>& lines, std::string_view lineEnd) {
@@ -240,12 +248,18 @@ std::string scrambled(const std::vector<std::string>& lines, int key) {
 }
 
 Listing list(const std::string& directory, std::size_t names) {
+    Buffer<int> flag(1, -9), count(1, -9), codes(100), auxiliary(100);
+    Buffer<char16_t> slots(100 * 100, u'x');
     Listing listing;
-    std::vector<char16_t> slots(100 * 100, u'x');
-    listing.status = translD_dll(wide(directory).c_str(), &listing.flag, &listing.count, listing.codes.data(),
-                                 listing.auxiliary.data(), slots.data());
+    listing.status = translD_dll(text(directory).get(), flag.get(), count.get(), codes.get(), auxiliary.get(),
+                                 slots.get());
+    listing.flag = flag.values()[0];
+    listing.count = count.values()[0];
+    std::ranges::copy(codes.values(), listing.codes.begin());
+    std::ranges::copy(auxiliary.values(), listing.auxiliary.begin());
+    const std::vector<char16_t> units = slots.values();
     for (std::size_t slot = 0; slot < names; ++slot) {
-        const auto begin = slots.begin() + static_cast<std::ptrdiff_t>(slot * 100);
+        const auto begin = units.begin() + static_cast<std::ptrdiff_t>(slot * 100);
         listing.names.push_back(narrow({begin, begin + 100}));
     }
     return listing;
@@ -253,40 +267,42 @@ Listing list(const std::string& directory, std::size_t names) {
 
 Description describe(Role role, const std::string& directory, const std::string& base, int scrambledFlag,
                      int code) {
-    std::vector<char16_t> name(100, u'x');
-    std::vector<char16_t> ellipsoid(11, u'x');
-    std::vector<char16_t> kind(14, u'x');
+    Buffer<char16_t> name(100, u'x'), ellipsoid(11, u'x'), kind(14, u'x'), dir = text(directory),
+                                                                           file = text(base);
+    Buffer<double> parameters(36, untouched);
+    Buffer<int> zone(1, -9);
     Description system;
-    system.parameters.assign(36, untouched);
-    const std::u16string dir = wide(directory);
-    const std::u16string file = wide(base);
     system.status = role == Role::source
-                        ? transla_dll(dir.c_str(), file.c_str(), scrambledFlag, code, name.data(),
-                                      ellipsoid.data(), kind.data(), system.parameters.data())
-                        : translz_dll(dir.c_str(), file.c_str(), scrambledFlag, code, name.data(),
-                                      ellipsoid.data(), kind.data(), &system.zone, system.parameters.data());
-    system.name = narrow(name);
-    system.ellipsoid = narrow(ellipsoid);
-    system.kind = narrow(kind);
+                        ? transla_dll(dir.get(), file.get(), scrambledFlag, code, name.get(), ellipsoid.get(),
+                                      kind.get(), parameters.get())
+                        : translz_dll(dir.get(), file.get(), scrambledFlag, code, name.get(), ellipsoid.get(),
+                                      kind.get(), zone.get(), parameters.get());
+    system.name = narrow(name.values());
+    system.ellipsoid = narrow(ellipsoid.values());
+    system.kind = narrow(kind.values());
+    system.zone = zone.values()[0];
+    system.parameters = parameters.values();
     return system;
 }
 
 Transformed transform(const std::string& directory, int from, int to, const std::array<double, 3>& point,
                       char heightMode) {
-    std::array<std::vector<char16_t>, 6> texts;
-    for (std::size_t text = 0; text < texts.size(); ++text) {
-        texts[text].assign(std::array<std::size_t, 3>{100, 11, 14}[text % 3], u'x');
-    }
+    Buffer<char16_t> sourceName(100, u'x'), sourceEllipsoid(11, u'x'), sourceKind(14, u'x');
+    Buffer<char16_t> targetName(100, u'x'), targetEllipsoid(11, u'x'), targetKind(14, u'x');
+    Buffer<double> result(4, untouched);
+    Buffer<int> auxiliary(2);
     Transformed done;
-    done.result.fill(untouched);
-    done.status = trans_dll(point[0], point[1], point[2], from, to, wide(directory).c_str(), &heightMode,
-                            done.result.data(), texts[0].data(), done.auxiliary.data(), texts[1].data(),
-                            texts[2].data(), texts[3].data(), texts[4].data(), texts[5].data());
-    std::size_t text = 0;
-    for (std::string* const out : {&done.sourceName, &done.sourceEllipsoid, &done.sourceKind,
-                                   &done.targetName, &done.targetEllipsoid, &done.targetKind}) {
-        *out = narrow(texts[text++]);
-    }
+    done.status = trans_dll(point[0], point[1], point[2], from, to, text(directory).get(), &heightMode,
+                            result.get(), sourceName.get(), auxiliary.get(), sourceEllipsoid.get(),
+                            sourceKind.get(), targetName.get(), targetEllipsoid.get(), targetKind.get());
+    std::ranges::copy(result.values(), done.result.begin());
+    std::ranges::copy(auxiliary.values(), done.auxiliary.begin());
+    done.sourceName = narrow(sourceName.values());
+    done.sourceEllipsoid = narrow(sourceEllipsoid.values());
+    done.sourceKind = narrow(sourceKind.values());
+    done.targetName = narrow(targetName.values());
+    done.targetEllipsoid = narrow(targetEllipsoid.values());
+    done.targetKind = narrow(targetKind.values());
     return done;
 }
 

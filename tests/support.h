@@ -1,6 +1,5 @@
 // What the tests share: rows of cases, data directories made for one case, and the exported functions with
-// plain types. Every output buffer has exactly the length that the interface asks for, so that a sanitizer
-// sees an overrun.
+// plain types.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,11 +7,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <initializer_list>
 #include <limits>
 #include <numbers>
+#include <ranges>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -82,9 +83,31 @@ inline std::array<double, 3> metres_per_unit(int code, double latitude) {
                : std::array{1.0, 1.0, 1.0};
 }
 
-// Texts as they cross the boundary; narrow() fails the test when the terminator is missing.
+// A buffer of count values for an exported function: of that length to the byte, and at an address that no alignment
+// allows.
+template <typename T>
+class Buffer {
+  public:
+    explicit Buffer(std::size_t count, T value = {}) : Buffer(std::vector<T>(count, value)) {}
+    template <std::ranges::contiguous_range Values>
+    explicit Buffer(const Values& values) : bytes(std::size(values) * sizeof(T) + 1) {
+        std::memcpy(bytes.data() + 1, std::data(values), bytes.size() - 1);
+    }
+    T* get() { return reinterpret_cast<T*>(bytes.data() + 1); }
+    [[nodiscard]] std::vector<T> values() const {
+        std::vector<T> copy((bytes.size() - 1) / sizeof(T));
+        std::memcpy(copy.data(), bytes.data() + 1, bytes.size() - 1);
+        return copy;
+    }
+
+  private:
+    std::vector<unsigned char> bytes;
+};
+
+// Texts as they cross the boundary; text() adds a terminator, narrow() fails the test when it is missing.
 std::u16string wide(std::string_view text);
-std::string narrow(const std::vector<char16_t>& buffer);
+Buffer<char16_t> text(std::string_view text);
+std::string narrow(const std::vector<char16_t>& units);
 
 std::size_t open_file_handles();
 
