@@ -41,6 +41,8 @@ check 0 '^ *52\.498595283 .*Ä$' - transform --from 101 --to 201 -d "$sample" "$
 check 0 '^ *52\.498595283 +13\.398258472 +139\.3263  Ort Ä$' - transform --from 101 --to 201 -d "$sample" --height n
 check 0 '^ *52\.498595283 +13\.398258473 +140\.9639 +101\.6376  Ort Ä$' - \
     transform --from 101 --to 201 -d "$sample" --heights
+printf '52.5 13.4 100 A\032\n52.5 13.4 100 B\n' >"$work/in"
+check 0 '^ *52\.498595283 .* B$' - transform --from 101 --to 201 -d "$sample"
 printf '52.498595283 13.398258472 100\n' >"$work/in"
 # echo 13.398258472 52.498595283 139.3263 | cct -d 4 +proj=cart +ellps=GRS80
 check 0 '^ *3785272\.07[0-9]+ +901657\.4259 +5036879\.95[0-9]+$' - transform --from 201 --to 202 -d "$sample" --height n

@@ -133,6 +133,11 @@ TEST(DataFile, TakesDirectoriesInEveryForm) {
     }
     fs::current_path(before);
     EXPECT_EQ(open_file_handles(), handles);
+    const DataDirectory another;
+    another.write("file", "");
+    lagestatus::DataFile file;
+    EXPECT_TRUE(file.open(another.path(), "file"));
+    EXPECT_EQ(open_file_handles(), handles + 1) << "they are counted";
 }
 
 TEST(DefinitionFile, ReportsEveryDefectAndKeepsWhatItRead) {

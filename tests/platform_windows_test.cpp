@@ -22,6 +22,8 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
     }
     directory.write("locked/DEFAULT", "-2\n");
     const std::size_t handles = open_file_handles();
+    DWORD errorMode = 0;
+    ASSERT_NE(SetThreadErrorMode(0, &errorMode), 0);
 
     EXPECT_EQ(list(root).count, -1) << "whatever the case of letters";
     EXPECT_EQ(describe(Role::source, root, "\x96", 0, 17).status, 0);
@@ -36,9 +38,11 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
 
     // The root of a drive, in all its forms (outside Wine this wants an administrator).
     const std::string drive = root.substr(0, 2);
-    const fs::path atRoot = drive + "\\DEFAULT";
-    ASSERT_FALSE(fs::exists(atRoot));
-    fs::copy_file(root + "/DEFAULT", atRoot);
+    const struct Removed {
+        fs::path file;
+        ~Removed() { fs::remove(file); }
+    } atRoot = {drive + "\\DEFAULT"};
+    fs::copy_file(root + "/DEFAULT", atRoot.file);
     const fs::path before = fs::current_path();
     fs::current_path(drive + "\\");
     for (const std::string& rootOfDrive : {std::string(), std::string("\\"), std::string("/"),
@@ -46,16 +50,21 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
         EXPECT_EQ(list(rootOfDrive).count, -1) << rootOfDrive;
     }
     fs::current_path(before);
-    fs::remove(atRoot);
 
-    // A file that another program writes is read; one that it keeps to itself is not there.
+    for (const char* prefix : {"\\\\?\\", "\\\\.\\"}) {
+        EXPECT_EQ(list(prefix + root).count, -1) << prefix;
+    }
+
+    // A file that another program writes and may delete is read; one that it keeps to itself is not there.
     for (const DWORD sharing : {DWORD{FILE_SHARE_READ}, DWORD{0}}) {
-        HANDLE const other = CreateFileW(fs::path(root + "/locked/DEFAULT").c_str(), GENERIC_WRITE, sharing,
-                                         nullptr, OPEN_EXISTING, 0, nullptr);
+        HANDLE const other = CreateFileW(fs::path(root + "/locked/DEFAULT").c_str(), GENERIC_WRITE | DELETE,
+                                         sharing, nullptr, OPEN_EXISTING, 0, nullptr);
         ASSERT_NE(other, INVALID_HANDLE_VALUE);
         EXPECT_EQ(list(root + "/locked").status, sharing == 0 ? 1 : 0);
         CloseHandle(other);
     }
+    EXPECT_EQ(GetThreadErrorMode(), 0U);
+    ASSERT_NE(SetThreadErrorMode(errorMode, nullptr), 0);
     EXPECT_EQ(open_file_handles(), handles);
 }
 

@@ -51,8 +51,9 @@ def string(units):
 
 
 def message(status, file_name):
-    units = buffer(129 + 91 + len(file_name))
-    library.transfm_dll(status, text(file_name), units)
+    name = text(file_name)
+    units = buffer(129 + 91 + len(name))
+    library.transfm_dll(status, name, units)
     return string(units)
 
 

@@ -6,7 +6,8 @@ Attribute VB_Name = "Lagestatus"
 ' int                            ByVal Long (Integer has 16 bits)
 ' double                         ByVal Double
 ' int*, double*                  ByRef, the first element of an array that is long enough
-' const lagestatus_char* (given) ByVal LongPtr: StrPtr of any String
+' const lagestatus_char* (given) ByVal LongPtr: StrPtr of a String with a value (of an unassigned one and of
+'                                vbNullString it is 0, which the library must not get)
 ' lagestatus_char* (returned)    ByVal LongPtr: StrPtr of a String that Buffer made
 ' const char* heightMode         ByVal String: VBA passes its 8-bit characters
 Option Explicit
@@ -60,9 +61,10 @@ End Function
 
 ' The German message of a status.
 Public Function StatusMessage(ByVal status As Long, ByVal fileName As String) As String
-    Dim buffer As String
+    Dim buffer As String, nameText As String
     buffer = NewBuffer(129 + 91 + Len(fileName))
-    transfm_dll status, StrPtr(fileName), StrPtr(buffer)
+    nameText = fileName & vbNullChar
+    transfm_dll status, StrPtr(nameText), StrPtr(buffer)
     StatusMessage = TextOf(buffer)
 End Function
 

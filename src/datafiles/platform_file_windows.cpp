@@ -33,20 +33,24 @@ class NoErrorBoxes {
 
 FileHandle open_data_file(std::string_view joined) noexcept {
     // "\\DEFAULT" from the directory "\" means the root of the drive; a server's share has a third separator.
-    const bool doubled = joined.size() > 1 && joined.find_first_not_of(separators) == 2 &&
-                         joined.find_first_of(separators, 2) == std::string_view::npos;
-    joined.remove_prefix(doubled ? 1 : 0);
+    const bool doubled = joined.size() > 1 && joined.find_first_not_of(separators) == 2;
+    if (doubled && joined.find_first_of(separators, 2) == std::string_view::npos) {
+        joined.remove_prefix(1);
+    }
     std::array<wchar_t, pathSize> path = {};
     if (joined.empty() || joined.size() >= path.size() ||
         MultiByteToWideChar(latin1CodePage, 0, joined.data(), static_cast<int>(joined.size()), path.data(),
                             static_cast<int>(path.size() - 1)) == 0) {
         return noFile;
     }
+    // Should the path name a pipe, its server may not act as the host. For a file the same bit has another meaning.
+    const DWORD flags =
+        FILE_FLAG_SEQUENTIAL_SCAN | (doubled ? SECURITY_SQOS_PRESENT | SECURITY_ANONYMOUS : 0);
     const NoErrorBoxes quiet;
-    // Others may go on writing, renaming and deleting. Should the path name a pipe, its server may not act as the host.
-    const auto file = CreateFileW(
-        path.data(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-        OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN | SECURITY_SQOS_PRESENT | SECURITY_ANONYMOUS, nullptr);
+    // Others may go on writing, renaming and deleting.
+    const auto file =
+        CreateFileW(path.data(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, flags, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         return noFile;
     }

@@ -1,7 +1,7 @@
 // The floating-point environment of a call: the host's is put aside, and comes back with all its flags.
 #pragma once
 
-#if defined(__x86_64__) || defined(__i386__)
+#if defined(__SSE2__)
 #include <xmmintrin.h>
 
 #include <array>
@@ -16,7 +16,7 @@ namespace lagestatus {
 // kept, x87 results in full precision (the mathematical functions of the Windows runtime are x87 code). A host may have
 // set any of these otherwise: Delphi traps, others round or flush to zero, Visual C++ cuts x87 results to 53 bits.
 // The calls made meanwhile must not be inlined: arithmetic may otherwise be moved out of its reach.
-#if defined(__x86_64__) || defined(__i386__)
+#if defined(__SSE2__)
 class DefaultFloatEnvironment {
   public:
     // <cfenv> leaves flush-to-zero alone in some runtimes and the whole of MXCSR in others. It also always stores and
