@@ -67,7 +67,7 @@ check 0 'Maßstabs zum Zwischensystem$' - message 86 x.tra
 check 1 - 'no message' message 3
 check 2 - . message twelve
 check 2 - . unknown
-check 0 'Lesefehler in a�+b😀�+ beim' - message 8 "$(printf 'a\340\200\200b\360\237\230\200\377\303')"
+check 0 'Lesefehler in a(�)+b😀(�)+ beim' - message 8 "$(printf 'a\340\200\200b\360\237\230\200\377\303')"
 check 0 '^lagestatus [0-9]' - --version
 check 0 'transform' - --help
 mkdir "$work/Größe – neu" "$work/Łódź"
