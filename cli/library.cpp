@@ -11,8 +11,9 @@ namespace {
 
 // Path names go through byte by byte: the library hands each unit's low 8 bits to the system.
 std::u16string path_units(const std::string& path) {
+    const std::string bytes = directory_bytes(path).value();  // the commands have refused others
     std::u16string units;
-    for (const char byte : directory_bytes(path).value_or("")) {
+    for (const char byte : bytes) {
         units.push_back(static_cast<unsigned char>(byte));
     }
     return units;

@@ -14,7 +14,7 @@
 namespace cli {
 namespace {
 
-constexpr UINT latin1CodePage = 1252;
+constexpr UINT westernCodePage = 1252;
 
 std::string from_wide(std::wstring_view text) {
     const int size = static_cast<int>(text.size());
@@ -56,7 +56,7 @@ std::optional<std::string> directory_bytes(const std::string& utf8) {
     std::string bytes(wide.size(), '\0');
     BOOL unknown = FALSE;
     const int size = static_cast<int>(wide.size());
-    WideCharToMultiByte(latin1CodePage, WC_NO_BEST_FIT_CHARS, wide.data(), size, bytes.data(), size, nullptr,
+    WideCharToMultiByte(westernCodePage, WC_NO_BEST_FIT_CHARS, wide.data(), size, bytes.data(), size, nullptr,
                         &unknown);
     return unknown != FALSE ? std::nullopt : std::optional(bytes);
 }

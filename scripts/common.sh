@@ -60,7 +60,7 @@ need() {
 
 # Unpacks the source of a package of the distribution into build/sources, for what must be built for another system.
 unpack_source() {
-    local name=$1 lists
+    local name=$1 lists distribution folder
     [ ! -d "build/sources/$name" ] || return 0
     echo "Fetching the source of $name"
     mkdir -p build/sources/lists/partial
@@ -68,11 +68,18 @@ unpack_source() {
         apt-get indextargets --format "deb-src \$(REPO_URI) \$(RELEASE) \$(COMPONENT)" \
             'Created-By: Packages' "Origin: $distribution"
     done | sort -u >build/sources/sources.list
+    if [ ! -s build/sources/sources.list ] && [ $# = 1 ]; then
+        as_root apt-get update -qq # there are no package lists yet
+        unpack_source "$name" again
+        return
+    fi
     lists=(-o Dir::Etc::sourcelist="$PWD/build/sources/sources.list" -o Dir::Etc::sourceparts=-
         -o Dir::State::Lists="$PWD/build/sources/lists" -o APT::Sandbox::User=)
     apt-get "${lists[@]}" update -qq
-    (cd build/sources && apt-get "${lists[@]}" source -qq "$name" >/dev/null)
-    mv build/sources/"$name"-[0-9]*/ "build/sources/$name"
+    folder=$(mktemp -d -p build/sources)
+    (cd "$folder" && apt-get "${lists[@]}" source -qq "$name" >/dev/null)
+    mv "$folder/$name"-*/ "build/sources/$name"
+    rm -rf "$folder"
 }
 
 # Makes ready for programs of Windows: a Wine of this tree's own, without its dialogs.
@@ -80,7 +87,7 @@ use_wine() {
     export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
     locales=$WINEPREFIX/locales
     mkdir -p "$locales"
-    [ -d "$locales/el_GR.UTF-8" ] || localedef --no-archive -i el_GR -f UTF-8 "$locales/el_GR.UTF-8"
+    localedef --no-archive --force -i el_GR -f UTF-8 "$locales/el_GR.UTF-8"
     rm -f build/wine/drive_c/DEFAULT # of a test that was broken off
     in_wine wineboot --init >build/wine/boot.log 2>&1 || {
         cat build/wine/boot.log >&2
@@ -89,7 +96,7 @@ use_wine() {
 }
 # Runs a command that starts programs of Windows. Their code page follows the locale: one that is none of Western
 # Europe's shows whether names of files hang on it.
-in_wine() { env LOCPATH="$locales" LC_ALL=el_GR.UTF-8 "$@"; }
+in_wine() { env LOCPATH="$locales" LC_ALL=el_GR.UTF-8 LAGESTATUS_CODE_PAGE=1253 "$@"; }
 stop_wine() { wineserver --kill || true; }
 
 # Configures and builds a preset, quietly unless it fails; further arguments go to the configuration.

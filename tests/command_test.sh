@@ -1,9 +1,10 @@
 #!/bin/sh
-# Runs the command as a user would. Usage: command_test.sh PROGRAM SAMPLE_DIRECTORY; PROGRAM may be several words
-# ("wine lagestatus.exe"). Line ends of Windows count as those of here.
+# Runs the command as a user would. Usage: command_test.sh PROGRAM SAMPLE_DIRECTORY [EMULATOR]. Line ends of Windows
+# count as those of here.
 # Each case: exit status, a pattern for standard output, one for standard error (- for an empty stream), arguments.
 program=$1
 sample=$2
+emulator=$3
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cases=0
@@ -12,7 +13,7 @@ failures=0
 check() {
     status=$1 out=$2 err=$3
     shift 3
-    $program "$@" <"$work/in" >"$work/out" 2>"$work/err"
+    $emulator "$program" "$@" <"$work/in" >"$work/out" 2>"$work/err"
     got=$?
     sed -i 's/\r$//' "$work/out" "$work/err"
     cases=$((cases + 1))
@@ -115,8 +116,8 @@ check 0 '^ *3834198\.6183 +885064\.4592 +5002813\.0793$' - transform --from 301 
 printf '101\n' >"$work/etrs89-geographisch.tra"
 check 1 '^201 .*status 9: Lesefehler in etrs89-geographisch.tra beim Vergleichen' - list -d "$work"
 check 2 - 'etrs89-geographisch.tra beim Vergleichen' transform --from 101 --to 201 -d "$work"
-$program transform --from 101 --to 201 -d "$sample" <"$work" 2>/dev/null && failures=$((failures + 1))
-[ -e /dev/full ] && $program message 93 >/dev/full 2>/dev/null && failures=$((failures + 1))
+$emulator "$program" transform --from 101 --to 201 -d "$sample" <"$work" 2>/dev/null && failures=$((failures + 1))
+[ -e /dev/full ] && $emulator "$program" message 93 >/dev/full 2>/dev/null && failures=$((failures + 1))
 
 echo "$((cases - failures)) passed, $failures failed"
 [ $failures = 0 ]

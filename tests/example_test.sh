@@ -6,4 +6,5 @@
 #     +y=73.7 +z=418.2 +rx=-0.202 +ry=-0.045 +rz=2.455 +s=6.7
 sample=$1
 shift
-"$@" "$sample" | sed 's/\r$//' | diff "$(dirname "$0")/data/example.txt" -
+printed=$("$@" "$sample") || exit
+printf '%s\n' "$printed" | sed 's/\r$//' | diff "$(dirname "$0")/data/example.txt" -

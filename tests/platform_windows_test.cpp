@@ -1,6 +1,7 @@
 // What a file is, and what is found, on Windows.
 #include <windows.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "datafiles/data_file.h"
@@ -12,6 +13,10 @@ namespace {
 
 TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
     namespace fs = std::filesystem;
+    // What the tests are run under, if they are to show that the code page does not matter.
+    if (const char* const codePage = std::getenv("LAGESTATUS_CODE_PAGE")) {
+        EXPECT_EQ(std::to_string(GetACP()), codePage);
+    }
     const DataDirectory directory;
     const std::string root = directory.path();
     directory.write("dEFAULt", "-1\n");

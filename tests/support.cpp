@@ -82,8 +82,8 @@ std::string narrow(const std::vector<char16_t>& units) {
 #ifdef _WIN32
 std::size_t open_file_handles() {
     std::size_t handles = 0;
-    for (std::uintptr_t handle = 4; handle < 16384;
-         handle += 4) {  // the system's own count is always 0 under Wine
+    // One by one: the system's own count is always 0 under Wine.
+    for (std::uintptr_t handle = 4; handle < 16384; handle += 4) {
         handles += GetFileType(reinterpret_cast<HANDLE>(handle)) != FILE_TYPE_UNKNOWN ? 1 : 0;
     }
     return handles;

@@ -112,11 +112,12 @@ static class Example
             }
 
             // What a failure looks like.
-            Check(12, "mein-system.tra");
+            Print("status 12: {0}", Lagestatus.Message(12, "mein-system.tra"));
         }
         catch (ApplicationException failure)
         {
-            Console.WriteLine(failure.Message);
+            Console.Error.WriteLine(failure.Message);
+            return 1;
         }
         return 0;
     }

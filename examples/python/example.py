@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Carries points from DHDN to ETRS89 in the two ways that the library offers.
 
-    LD_LIBRARY_PATH=... python3 example.py data/sample          (Windows: lagestatus.dll beside it or on the PATH)
+    LD_LIBRARY_PATH=... python3 example.py data/sample          (Windows: copy lagestatus.dll beside this file)
 """
 
 import ctypes
@@ -59,8 +59,7 @@ def message(status, file_name):
 
 def check(status, file_name):
     if status != 0:
-        print(f"status {status}: {message(status, file_name)}")
-        sys.exit()
+        sys.exit(f"status {status}: {message(status, file_name)}")
 
 
 def main(directory):
@@ -90,7 +89,7 @@ def main(directory):
         print(f"{point[0]:.1f} {point[1]:.1f} -> {result[0]:.4f} {result[1]:.4f} {result[2]:.4f}")
 
     # What a failure looks like.
-    check(12, "mein-system.tra")
+    print(f"status 12: {message(12, 'mein-system.tra')}")
 
 
 if __name__ == "__main__":

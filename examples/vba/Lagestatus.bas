@@ -103,12 +103,19 @@ Public Sub Example()
     Do While status = 0 And point(0) > 50#
         status = transr_dll(point(0), StrPtr(sourceKind), StrPtr(targetKind), result(0), _
             StrPtr(sourceEllipsoid), source(0), StrPtr(targetEllipsoid), target(0), zone, 0, 0, StrPtr(DataDir))
-        Debug.Print point(0); point(1); "->"; result(0); result(1); result(2)
+        If status = 0 Then Debug.Print point(0); point(1); "->"; result(0); result(1); result(2)
         point(0) = point(0) - 1#
     Loop
+    If status <> 0 Then Debug.Print "status"; status; ": "; StatusMessage(status, DataDir)
 
     ' What a failure looks like.
     Debug.Print "status 12: "; StatusMessage(12, "mein-system.tra")
+End Sub
+
+#Else
+
+Public Sub Example()
+    MsgBox "lagestatus.dll needs 64-bit Office."
 End Sub
 
 #End If

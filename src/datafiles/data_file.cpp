@@ -7,9 +7,6 @@
 namespace lagestatus {
 namespace {
 
-// The longest directory, a separator, a base name of 99 and its extension fit with room to spare.
-constexpr std::size_t pathSize = 512;
-
 // Takes the carriage return out of every pair with a line feed, in place; returns what is left of the length.
 std::size_t fold_line_ends(char* bytes, std::size_t length) noexcept {
     char* const end = bytes + length;

@@ -16,7 +16,6 @@
 namespace lagestatus {
 namespace {
 
-constexpr std::size_t pathSize = 512;
 using Path = FixedText<pathSize>;
 
 constexpr int noHandle = -1;

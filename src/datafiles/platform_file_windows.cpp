@@ -9,8 +9,7 @@
 namespace lagestatus {
 namespace {
 
-constexpr std::size_t pathSize = 512;
-constexpr UINT latin1CodePage = 1252;
+constexpr UINT westernCodePage = 1252;
 constexpr std::string_view separators = "\\/";
 
 HANDLE native(FileHandle file) noexcept {
@@ -39,7 +38,7 @@ FileHandle open_data_file(std::string_view joined) noexcept {
     }
     std::array<wchar_t, pathSize> path = {};
     if (joined.empty() || joined.size() >= path.size() ||
-        MultiByteToWideChar(latin1CodePage, 0, joined.data(), static_cast<int>(joined.size()), path.data(),
+        MultiByteToWideChar(westernCodePage, 0, joined.data(), static_cast<int>(joined.size()), path.data(),
                             static_cast<int>(path.size() - 1)) == 0) {
         return noFile;
     }
@@ -62,6 +61,7 @@ FileHandle open_data_file(std::string_view joined) noexcept {
 }
 
 std::ptrdiff_t read_data_file(FileHandle file, char* bytes, std::size_t count) noexcept {
+    const NoErrorBoxes quiet;
     DWORD got = 0;
     return ReadFile(native(file), bytes, static_cast<DWORD>(count), &got, nullptr) != 0
                ? static_cast<std::ptrdiff_t>(got)

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <type_traits>
 
 namespace lagestatus {
 
@@ -22,7 +23,7 @@ template <typename T, std::size_t N>
 
 // Sets the element of an array of T at index. T is named by the caller, so that no conversion goes unseen.
 template <typename T>
-void store(void* array, std::size_t index, T value) noexcept {
+void store(void* array, std::size_t index, std::type_identity_t<T> value) noexcept {
     std::memcpy(static_cast<char*>(array) + index * sizeof(T), &value, sizeof(T));
 }
 

@@ -45,9 +45,9 @@
  *   A directory or file name takes at most 99 characters (299 for transr_dll); a longer one is never cut into
  *   another name but counts as a file that cannot be opened.
  *   "." is the current directory (for hoehe.ini the empty text is, too); to any other directory a backslash and the
- *   file name are appended. On Windows the 8-bit characters are those of Windows-1252, whatever code page is set. Off
- *   Windows they are the bytes of the name, the backslash is a separator, and a file is found even when the case of its
- *   letters differs.
+ *   file name are appended. On Windows the 8-bit characters are those of Windows-1252, whatever code page is set (so
+ *   a name with the euro sign is given with U+0080, its code there). Off Windows they are the bytes of the name, the
+ *   backslash is a separator, and a file is found even when the case of its letters differs.
  *
  * Buffers
  *   All buffers are the caller's and must have at least the length given; no pointer may be NULL. Text buffers

@@ -240,7 +240,7 @@ class TextWriter {
     }
     void put_name(const lagestatus_char* name) noexcept {
         for (std::size_t at = 0; load<lagestatus_char>(name, at) != u'\0'; ++at) {
-            store(buffer, length++, load<lagestatus_char>(name, at));
+            store<lagestatus_char>(buffer, length++, load<lagestatus_char>(name, at));
         }
     }
     void put_number(int number) noexcept {
