@@ -8,14 +8,21 @@ set data=data\sample
 echo.
 echo The systems of %data% (lagestatus list -d %data%)
 echo.
-%lagestatus% list -d %data% || exit /b 1
+%lagestatus% list -d %data%
+if errorlevel 1 exit /b 1
 
-call :carry 101 201 punkte-101.txt "DHDN geographisch, ETRS89 geographisch" || exit /b 1
-call :carry 102 201 punkte-102.txt "DHDN geozentrisch, ETRS89 geographisch" || exit /b 1
-call :carry 103 203 punkte-103.txt "DHDN Gauss-Krueger, ETRS89 UTM: Hoehen ellipsoidisch" "--height e --heights" || exit /b 1
-call :carry 103 203 punkte-103.txt "DHDN Gauss-Krueger, ETRS89 UTM: Normalhoehen" "--height n --heights" || exit /b 1
-call :carry 105 203 punkte-105.txt "DHDN Soldner Berlin, ETRS89 UTM" || exit /b 1
-call :carry 103 303 punkte-103.txt "DHDN Gauss-Krueger, System 42/83 Gauss-Krueger" || exit /b 1
+call :carry 101 201 punkte-101.txt "DHDN geographisch, ETRS89 geographisch"
+if errorlevel 1 exit /b 1
+call :carry 102 201 punkte-102.txt "DHDN geozentrisch, ETRS89 geographisch"
+if errorlevel 1 exit /b 1
+call :carry 103 203 punkte-103.txt "DHDN Gauss-Krueger, ETRS89 UTM: Hoehen ellipsoidisch" "--height e --heights"
+if errorlevel 1 exit /b 1
+call :carry 103 203 punkte-103.txt "DHDN Gauss-Krueger, ETRS89 UTM: Normalhoehen" "--height n --heights"
+if errorlevel 1 exit /b 1
+call :carry 105 203 punkte-105.txt "DHDN Soldner Berlin, ETRS89 UTM"
+if errorlevel 1 exit /b 1
+call :carry 103 303 punkte-103.txt "DHDN Gauss-Krueger, System 42/83 Gauss-Krueger"
+if errorlevel 1 exit /b 1
 pause
 goto :eof
 
