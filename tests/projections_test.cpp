@@ -253,37 +253,6 @@ TEST(Projections, FailWithTheStatusOfTheirLoop) {
     EXPECT_EQ(met.size(), 1U + 8 + 5 + 5 + 3) << "every status of the four routines, and success";
 }
 
-TEST(Projections, AreExactWhereTheyCanBe) {
-    const auto [a, b] = ellipsoids[0].axes();
-    const double phi = 50 * degree;
-    const double lam0 = 9 * degree;
-    Pair res = unwritten;
-    Pair other = unwritten;
-    // On the meridian, at the origin, and on either side.
-    ASSERT_EQ(geo_to_gauss_krueger(a, b, phi, lam0, 0, lam0, res, 1e-4, 1e-12), 0);
-    EXPECT_EQ(res[0], 0);
-    const double arc = res[1];
-    ASSERT_EQ(gauss_krueger_to_geo(a, b, 0, arc, 0, res, 1e-10, 1e-12), 0);
-    EXPECT_EQ(res[1], 0);
-    ASSERT_EQ(geo_to_soldner(a, b, phi, lam0, phi, lam0, res, 1e-10, 1e-4, 1e-12), 0);
-    EXPECT_EQ(res[0], 0);
-    ASSERT_EQ(soldner_to_geo(a, b, 0, 111232, phi, lam0, res, 1e-10, 1e-4, 1e-12), 0);
-    EXPECT_EQ(res[1], lam0);
-    ASSERT_EQ(geo_to_soldner(a, b, phi, 10 * degree, phi, lam0, res, 1e-10, 1e-4, 1e-12), 0);
-    ASSERT_EQ(geo_to_soldner(a, b, phi, 8 * degree, phi, lam0, other, 1e-10, 1e-4, 1e-12), 0);
-    EXPECT_EQ(other, (Pair{-res[0], res[1]}));
-    // Another latitude of origin takes its arc from the northing.
-    ASSERT_EQ(geo_to_gauss_krueger(a, b, phi, 10 * degree, 0, lam0, res, 1e-4, 1e-12), 0);
-    ASSERT_EQ(geo_to_gauss_krueger(a, b, phi, 10 * degree, phi, lam0, other, 1e-4, 1e-12), 0);
-    EXPECT_EQ(res[0], other[0]);
-    EXPECT_NEAR(res[1] - arc, other[1], 1e-7);
-    // Both branches beside the meridian meet.
-    ASSERT_EQ(soldner_to_geo(a, b, std::nextafter(200, 0), 0, phi, lam0, res, 1e-10, 1e-4, 1e-12), 0);
-    ASSERT_EQ(soldner_to_geo(a, b, 200, 0, phi, lam0, other, 1e-10, 1e-4, 1e-12), 0);
-    EXPECT_NE(res[1], other[1]);
-    EXPECT_NEAR(res[1], other[1], 1e-9);
-}
-
 TEST(Truncation, IsDefinedForEveryDouble) {
     const std::pair<double, std::optional<int>> cases[] = {
         {2.999, 2},          {-2.999, -2},
