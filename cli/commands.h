@@ -1,8 +1,8 @@
-// The commands of the program. Each returns the exit status.
+// The commands of the program. Each function adds one of them, with its options, its help and an example; when the
+// command is the one called, its exit status is stored.
 #pragma once
 
-#include <string>
-#include <vector>
+#include <CLI/CLI.hpp>
 
 namespace cli {
 
@@ -10,25 +10,22 @@ inline constexpr int allGood = 0;
 inline constexpr int someFailed = 1;
 inline constexpr int nothingDone = 2;
 
-struct TransformOptions {
-    std::string directory = ".";
-    int from = 0;
-    int to = 0;
-    bool normalGiven = false;        // the heights of the points are normal heights
-    bool normalWanted = false;       // a column of normal heights is wanted
-    std::vector<std::string> files;  // none: standard input
-};
+void add_list(CLI::App& program, int& exitStatus);
+void add_show(CLI::App& program, int& exitStatus);
+void add_transform(CLI::App& program, int& exitStatus);
+void add_check(CLI::App& program, int& exitStatus);
+void add_scramble(CLI::App& program, int& exitStatus);
+void add_unscramble(CLI::App& program, int& exitStatus);
+void add_import(CLI::App& program, int& exitStatus);
+void add_message(CLI::App& program, int& exitStatus);
 
-// Lists the systems of a data directory; a system whose file is broken shows its status and message instead.
-int list_systems(const std::string& directory);
+// manual and completion: the program describes itself.
+void add_self_description(CLI::App& program, int& exitStatus);
 
-// Shows the whole description of one system, both directions of its datum transformation.
-int show_system(const std::string& directory, int code);
+// Adds the option -d, --dir with its default, the current directory.
+void add_directory_option(CLI::App& command, std::string& directory);
 
-// Transforms points, one a line; a line that fails keeps its row, with its reason.
-int transform_points(const TransformOptions& options);
-
-// Prints the library's message for a status.
-int show_message(int status, const std::string& fileName);
+// Adds a paragraph of examples behind a command's options.
+void add_examples(CLI::App& command, const std::string& examples);
 
 }  // namespace cli

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 
 #include "platform.h"
@@ -166,15 +167,49 @@ std::string parameter_file_name(const Definition& definition, const Entry& entry
     return to_utf8(entry.fileBase) + (definition.scrambled ? ".tr0" : ".tra");
 }
 
-Transformed transform(const std::string& directory, const System& source, const System& target,
-                      Heights heights, const std::array<double, 3>& point) {
+bool System::is(Kind which) const {
+    switch (which) {
+        case Kind::geographic:
+            return kind.starts_with("Geographisch");
+        case Kind::geocentric:
+            return kind.starts_with("Geozentrisch");
+        case Kind::gaussKrueger:
+            return kind.starts_with("Gauss-Krueger");
+        case Kind::soldner:
+            break;
+    }
+    return kind.starts_with("Soldner");
+}
+
+ZoneLayout zone_layout_of(const System& system) {
+    constexpr double fullCircle = 360.0;
+    constexpr double offsetZero = 600.0;
+    constexpr double largest = 1e9;  // far beyond every layout, and within an int
+    const double value = system.parameters[1];
+    if (!(value > fullCircle) || value > largest) {
+        return {};
+    }
+    const double whole = std::trunc(value);
+    return {true, static_cast<int>((value - whole + 0.05) * 10.0), static_cast<int>(whole - offsetZero)};
+}
+
+Road::End::End(const System& system)
+    : kind(from_utf8(system.kind)), ellipsoid(from_utf8(system.ellipsoid)), parameters(system.parameters) {
+    // As many units as the library reads.
+    kind.resize(LAGESTATUS_KIND_SIZE + 1);
+    ellipsoid.resize(LAGESTATUS_ELLIPSOID_SIZE + 1);
+}
+
+Road::Road(const std::string& directory, const System& source, const System& target)
+    : heightDirectory(path_units(directory)), from(source), to(target), zoneNumber(target.zoneNumber) {}
+
+Transformed Road::transform(const std::array<double, 3>& point, Heights heights) const {
     constexpr int flagSet = -1;
     Transformed transformed;
     transformed.status = transr_dll(
-        point.data(), from_utf8(source.kind).c_str(), from_utf8(target.kind).c_str(),
-        transformed.result.data(), from_utf8(source.ellipsoid).c_str(), source.parameters.data(),
-        from_utf8(target.ellipsoid).c_str(), target.parameters.data(), target.zoneNumber,
-        heights.normalGiven ? flagSet : 0, heights.normalWanted ? flagSet : 0, path_units(directory).c_str());
+        point.data(), from.kind.c_str(), to.kind.c_str(), transformed.result.data(), from.ellipsoid.c_str(),
+        from.parameters.data(), to.ellipsoid.c_str(), to.parameters.data(), zoneNumber,
+        heights.normalGiven ? flagSet : 0, heights.normalWanted ? flagSet : 0, heightDirectory.c_str());
     return transformed;
 }
 
@@ -184,11 +219,6 @@ std::string message(int status, std::string_view fileName) {
     std::vector<lagestatus_char> buffer(std::max<std::size_t>(129, 91 + name.size()));
     transfm_dll(status, name.c_str(), buffer.data());
     return to_utf8(buffer.data());
-}
-
-std::size_t display_width(std::string_view utf8) {
-    return static_cast<std::size_t>(
-        std::count_if(utf8.begin(), utf8.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
 }
 
 }  // namespace cli

@@ -22,14 +22,18 @@ struct Definition {
     std::vector<Entry> entries;
 };
 
+enum class Kind { geographic, geocentric, gaussKrueger, soldner };
+
 struct System {
     int status = 0;
     std::string name;
     std::string ellipsoid;
-    std::string kind;
-    [[nodiscard]] bool geocentric() const { return kind.starts_with("Geozentrisch"); }
+    std::string kind;  // as its file writes it
     int zoneNumber = 0;
     std::array<double, LAGESTATUS_PARAMETER_COUNT> parameters = {};
+
+    [[nodiscard]] bool is(Kind which) const;
+    [[nodiscard]] bool in_bessel_datum() const { return ellipsoid.starts_with("Bessel"); }
 };
 
 enum class Role { source, target };
@@ -48,19 +52,44 @@ System read_system(const std::string& directory, const Definition& definition, c
 // The name of an entry's parameter file, in UTF-8.
 std::string parameter_file_name(const Definition& definition, const Entry& entry);
 
-// One point between two systems that were read as source and target; directory is where the height model lies. A normal
-// height given outside the Bessel datum is corrected only if one is wanted.
+// The meridian strips that a longitude of origin stands for: strip z has the central meridian width z + offset.
+struct ZoneLayout {
+    bool strips = false;  // else one fixed meridian, and both 0
+    int width = 0;        // degrees
+    int offset = 0;       // degrees
+};
+ZoneLayout zone_layout_of(const System& system);
+
+// Which heights are normal heights. A normal height given outside the Bessel datum is corrected only if one is wanted.
 struct Heights {
     bool normalGiven = false;
     bool normalWanted = false;
 };
-Transformed transform(const std::string& directory, const System& source, const System& target,
-                      Heights heights, const std::array<double, 3>& point);
+
+// The way from one system, read as a source, to another, read as a target. It holds all that a call needs, so that
+// a million points cost a million calls and nothing else; any number of threads may use one at once.
+class Road {
+  public:
+    // directory: where the height model lies.
+    Road(const std::string& directory, const System& source, const System& target);
+
+    [[nodiscard]] Transformed transform(const std::array<double, 3>& point, Heights heights) const;
+
+  private:
+    struct End {
+        explicit End(const System& system);
+        std::u16string kind;
+        std::u16string ellipsoid;
+        std::array<double, LAGESTATUS_PARAMETER_COUNT> parameters;
+    };
+
+    std::u16string heightDirectory;
+    End from;
+    End to;
+    int zoneNumber;
+};
 
 // The library's German message for a status, fileName inserted where it names a file; empty if it has none.
 std::string message(int status, std::string_view fileName);
-
-// The number of columns that a UTF-8 text takes on a terminal, for the texts of data files (ISO 8859-1).
-std::size_t display_width(std::string_view utf8);
 
 }  // namespace cli

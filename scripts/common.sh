@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-buildPackages=(g++ cmake ninja-build libcli11-dev)
+buildPackages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config locales)
 checkPackages=(clang-format clang-tidy python3 proj-bin)
 windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld clang-tidy locales)

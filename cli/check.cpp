@@ -1,0 +1,9 @@
+#include "commands.h"
+
+namespace cli {
+
+void add_check(CLI::App& program, int& exitStatus) {
+    program.add_subcommand("check", "")->callback([&exitStatus] { exitStatus = nothingDone; });
+}
+
+}  // namespace cli
