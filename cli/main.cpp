@@ -41,6 +41,11 @@ int run(std::vector<std::string> arguments) {
                            add_import, add_message, add_self_description}) {
         add(program, exitStatus);
     }
+    if (!arguments.empty() && !arguments.front().starts_with('-') &&
+        program.get_subcommand_no_throw(arguments.front()) == nullptr) {
+        complain(arguments.front() + ": there is no such command; lagestatus --help lists them");
+        return nothingDone;
+    }
     try {
         std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
         program.parse(std::move(arguments));

@@ -39,6 +39,7 @@ void print_table(const std::vector<std::vector<std::string>>& rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
             line += column + 1 < row.size() ? padded(row[column], widths[column] + 2) : row[column];
         }
+        line.erase(line.find_last_not_of(' ') + 1);
         put(line + '\n');
     }
 }
