@@ -41,8 +41,10 @@ int run(std::vector<std::string> arguments) {
                            add_import, add_message, add_self_description}) {
         add(program, exitStatus);
     }
-    if (!arguments.empty() && !arguments.front().starts_with('-') &&
-        program.get_subcommand_no_throw(arguments.front()) == nullptr) {
+    const auto named = [&arguments](const CLI::App* command) {
+        return command->get_name() == arguments.front();
+    };
+    if (!arguments.empty() && !arguments.front().starts_with('-') && program.get_subcommands(named).empty()) {
         complain(arguments.front() + ": there is no such command; lagestatus --help lists them");
         return nothingDone;
     }
