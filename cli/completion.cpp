@@ -18,14 +18,6 @@ std::string filled(std::string script, const std::vector<Part>& parts) {
     return script;
 }
 
-std::string joined(const std::vector<std::string>& words, std::string_view separator) {
-    std::string text;
-    for (const std::string& word : words) {
-        text += (text.empty() ? "" : std::string(separator)) + word;
-    }
-    return text;
-}
-
 // A text as one word of any of the shells. Between single quotes fish alone knows the backslash, and only ahead of
 // itself or a quote.
 std::string shell_word(std::string_view text, bool isFish = false) {
@@ -169,7 +161,7 @@ std::string bash_script(const CLI::App& program) {
         for (const Argument& option : options_of(*command)) {
             std::vector<std::string> patterns;
             for (const std::string& each : option.names) {
-                patterns.push_back(shell_word(name + " " + each));
+                patterns.push_back(shell_word(joined({name, each}, " ")));
             }
             options += option.value.empty() ? "" : bash_case(patterns, bash_takes(option));
         }
@@ -257,9 +249,9 @@ std::vector<std::string> zsh_arguments(const CLI::App& command) {
         for (const std::string& name : option.names) {
             const bool isLong = name.starts_with("--");
             const std::string separator = option.value.empty() ? "" : isLong ? "=" : "+";
-            std::string word = "(" + joined(option.names, " ") + ")" + name + separator;
-            word +=
-                "[" + zsh_text(option.description) + "]" + (option.value.empty() ? "" : zsh_value(option));
+            std::string word = "(" + joined(option.names, " ") + ")";
+            word += name + separator + "[" + zsh_text(option.description) + "]" +
+                    (option.value.empty() ? "" : zsh_value(option));
             words.push_back(shell_word(word));
         }
     }
@@ -375,7 +367,7 @@ std::string fish_completions(const std::string& name, const CLI::App& command) {
     int number = 0;
     for (const Argument& argument : positionals_of(command)) {
         const std::string last = argument.repeats ? "9999" : std::to_string(number);
-        const std::string condition = at + " " + std::to_string(number++) + " " + last;
+        const std::string condition = joined({at, std::to_string(number++), last}, " ");
         if (is_known(argument)) {
             lines += fish_line(condition, fish_value(argument));
         }
@@ -395,7 +387,7 @@ std::string fish_script(const CLI::App& program) {
         for (const Argument& option : options_of(*command)) {
             for (const std::string& each : option.names) {
                 if (!option.value.empty()) {
-                    valued.push_back("    " + shell_word(name + " " + each, true));
+                    valued.push_back("    " + shell_word(joined({name, each}, " "), true));
                 }
             }
         }

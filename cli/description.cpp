@@ -32,14 +32,6 @@ std::vector<std::string> split(std::string_view text, char separator) {
     }
 }
 
-std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
-    std::string text;
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        text += (i == 0 ? "" : std::string(separator)) + parts[i];
-    }
-    return text;
-}
-
 // The parser appends to the type's name what its checks say of themselves: "TEXT:{bash,zsh}", "INT:INT in [0 - 15]".
 struct TypeName {
     std::string type;
@@ -168,6 +160,14 @@ Rows rows_of(const std::vector<Argument>& arguments) {
 }
 
 }  // namespace
+
+std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
+    std::string text;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        text += (i == 0 ? "" : std::string(separator)) + parts[i];
+    }
+    return text;
+}
 
 std::string wrapped(std::string_view text, std::size_t indent, std::size_t begun) {
     std::string lines;

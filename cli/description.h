@@ -37,6 +37,8 @@ std::vector<const CLI::App*> commands_of(const CLI::App& program);
 // The words behind a command's name: "CODE [OPTIONS]".
 std::vector<std::string> usage_of(const CLI::App& command);
 
+std::string joined(const std::vector<std::string>& parts, std::string_view separator);
+
 // A text in lines of at most 80 columns, from the second one on indented; where the first has begun already, its width
 // is given.
 std::string wrapped(std::string_view text, std::size_t indent, std::size_t begun);

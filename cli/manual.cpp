@@ -193,7 +193,7 @@ std::string command_section(const std::string& name, const CLI::App& command) {
 }  // namespace
 
 std::string manual_page(const CLI::App& program, std::string_view version) {
-    const std::string name = program.get_name();
+    const std::string& name = program.get_name();
     std::string summary = program.get_description();
     if (summary.ends_with('.')) {
         summary.pop_back();
