@@ -273,7 +273,7 @@ std::string zsh_script(const CLI::App& program) {
     std::string arguments;
     for (const CLI::App* command : commands_of(program)) {
         commands += "            ";
-        commands += shell_word(command->get_name() + ":" + zsh_text(command->get_description())) + '\n';
+        commands += shell_word(command->get_name() + ":" + zsh_text(summary_of(*command))) + '\n';
         arguments += "        " + command->get_name() + ")\n            _arguments -S";
         for (const std::string& word : zsh_arguments(*command)) {
             arguments += " \\\n                " + word;
@@ -380,8 +380,8 @@ std::string fish_script(const CLI::App& program) {
     std::string completions;
     for (const auto& [name, command] : program_and_commands(program)) {
         if (!name.empty()) {
-            completions += fish_line("\"\"", " -a " + shell_word(name, true) + " -d " +
-                                                 shell_word(command->get_description(), true));
+            completions += fish_line(
+                "\"\"", " -a " + shell_word(name, true) + " -d " + shell_word(summary_of(*command), true));
         }
         completions += fish_completions(name, *command);
         for (const Argument& option : options_of(*command)) {

@@ -16,6 +16,14 @@ const std::array<ExitStatus, 3> exitStatuses = {
      {someFailed, "some rows failed, or defects were found"},
      {nothingDone, "nothing could be done: a wrong command line, or files that cannot be used"}}};
 
+std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
+    std::string text;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        text += (i == 0 ? "" : std::string(separator)) + parts[i];
+    }
+    return text;
+}
+
 namespace {
 
 constexpr std::size_t lineWidth = 80;
@@ -30,6 +38,25 @@ std::vector<std::string> split(std::string_view text, char separator) {
         }
         text.remove_prefix(end + 1);
     }
+}
+
+// Marks like a comma among the choices are none that a list of them could show.
+bool is_word(const std::string& text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char byte) {
+        return std::isalnum(byte) != 0 || byte == '-';
+    });
+}
+
+std::vector<std::string> words_of(const std::string& text) {
+    std::vector<std::string> words(1);
+    for (const char byte : text) {
+        if (is_word(std::string(1, byte))) {
+            words.back() += byte;
+        } else if (!words.back().empty()) {
+            words.emplace_back();
+        }
+    }
+    return words;
 }
 
 // The parser appends to the type's name what its checks say of themselves: "TEXT:{bash,zsh}", "INT:INT in [0 - 15]".
@@ -53,9 +80,11 @@ TypeName type_name_of(const CLI::Option& option) {
         return end < check.size() ? check.substr(begin + 1, end - begin - 1) : std::string();
     };
     if (const std::string set = between('{', '}'); !set.empty()) {
-        name.choices = split(set, ',');
-        for (std::string& choice : name.choices) {
+        for (std::string& choice : split(set, ',')) {
             choice.erase(std::min(choice.find("->"), choice.size()));  // a choice that stands for a value
+            if (is_word(choice)) {
+                name.choices.push_back(std::move(choice));
+            }
         }
     } else if (const std::string limits = between('[', ']'); limits.find(" - ") != std::string::npos) {
         const std::size_t dash = limits.find(" - ");
@@ -68,10 +97,28 @@ TypeName type_name_of(const CLI::Option& option) {
 
 // The names that the parser gives to types by itself say nothing to a user.
 std::string value_name(const TypeName& name) {
-    if (name.type == "INT" || name.type == "UINT" || name.type == "FLOAT") {
-        return "NUMBER";
+    if (name.type.empty() || name.type == "TEXT") {
+        return name.choices.empty() ? "TEXT" : joined(name.choices, "|");
     }
-    return name.type == "TEXT" && !name.choices.empty() ? joined(name.choices, "|") : name.type;
+    const bool isNumber = name.type == "INT" || name.type == "UINT" || name.type == "FLOAT";
+    return isNumber ? "NUMBER" : name.type;
+}
+
+// Whether a text tells all the choices.
+bool names_all(const std::string& text, const std::vector<std::string>& choices) {
+    const std::vector<std::string> words = words_of(text);
+    return std::all_of(choices.begin(), choices.end(), [&words](const std::string& choice) {
+        return std::find(words.begin(), words.end(), choice) != words.end();
+    });
+}
+
+// A text with remarks in brackets, inside those that it may end with.
+std::string remarked(const std::string& text, const std::vector<std::string>& remarks) {
+    if (remarks.empty()) {
+        return text;
+    }
+    const bool endsSo = text.ends_with(')');
+    return (endsSo ? text.substr(0, text.size() - 1) + "; " : text + " (") + joined(remarks, "; ") + ")";
 }
 
 Argument argument_of(const CLI::Option& option) {
@@ -92,8 +139,7 @@ Argument argument_of(const CLI::Option& option) {
     argument.required = option.get_required();
     argument.repeats = option.get_expected_max() >= CLI::detail::expected_max_vector_size;
     std::vector<std::string> remarks;
-    const std::string choices = joined(type.choices, "|");
-    if (!choices.empty() && argument.value != choices) {
+    if (argument.value != joined(type.choices, "|") && !names_all(option.get_description(), type.choices)) {
         remarks.push_back(joined(type.choices, ", "));
     }
     if (!type.range.empty()) {
@@ -103,8 +149,7 @@ Argument argument_of(const CLI::Option& option) {
     if (!argument.value.empty() && !standard.empty() && standard != "[]") {
         remarks.push_back("default: " + standard);
     }
-    argument.description =
-        option.get_description() + (remarks.empty() ? "" : " (" + joined(remarks, "; ") + ")");
+    argument.description = remarked(option.get_description(), remarks);
     return argument;
 }
 
@@ -112,6 +157,7 @@ void append_arguments(const CLI::App& command, std::vector<Argument>& arguments)
     for (const CLI::Option* option : command.get_options()) {
         if (option != command.get_help_ptr() && !option->get_group().empty()) {
             arguments.push_back(argument_of(*option));
+            arguments.back().group = command.get_name().empty() ? command.get_group() : "";
         }
     }
     for (const CLI::App* group : command.get_subcommands([](const CLI::App*) { return true; })) {
@@ -160,14 +206,6 @@ Rows rows_of(const std::vector<Argument>& arguments) {
 }
 
 }  // namespace
-
-std::string joined(const std::vector<std::string>& parts, std::string_view separator) {
-    std::string text;
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        text += (i == 0 ? "" : std::string(separator)) + parts[i];
-    }
-    return text;
-}
 
 std::string wrapped(std::string_view text, std::size_t indent, std::size_t begun) {
     std::string lines;
@@ -248,17 +286,43 @@ std::vector<std::string> usage_of(const CLI::App& command) {
     return words;
 }
 
+std::string summary_of(const CLI::App& command) {
+    return command.get_description().substr(0, command.get_description().find('\n'));
+}
+
+std::string details_of(const CLI::App& command) {
+    std::string text = command.get_description();
+    text.erase(0, std::min(summary_of(command).size() + 1, text.size()));
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
 std::string HelpFormatter::make_help(const CLI::App* command, std::string name,
                                      CLI::AppFormatMode /*mode*/) const {
-    std::string text = wrapped(command->get_description(), 0, 0) + "\n\nUsage: ";
-    text += wrapped(name + " " + joined(usage_of(*command), " "), 4, 7) + '\n';
+    std::string text = wrapped(summary_of(*command), 0, 0) + '\n';
+    if (const std::string details = details_of(*command); !details.empty()) {
+        text += '\n' + wrapped(details, 0, 0) + '\n';
+    }
+    text += "\nUsage: " + wrapped(name + " " + joined(usage_of(*command), " "), 4, 7) + '\n';
     Rows commands;
     for (const CLI::App* each : commands_of(*command)) {
-        commands.emplace_back(each->get_name(), each->get_description());
+        commands.emplace_back(each->get_name(), summary_of(*each));
     }
     text += section("Commands", commands);
     text += section("Arguments", rows_of(positionals_of(*command)));
-    text += section("Options", rows_of(options_of(*command)));
+    std::vector<std::pair<std::string, std::vector<Argument>>> groups;
+    for (const Argument& option : options_of(*command)) {
+        const auto group = std::find_if(groups.begin(), groups.end(),
+                                        [&option](const auto& each) { return each.first == option.group; });
+        if (group != groups.end()) {
+            group->second.push_back(option);
+        } else {
+            groups.push_back({option.group, {option}});
+        }
+    }
+    for (const auto& [heading, options] : groups) {
+        text += section(heading.empty() ? "Options" : heading, rows_of(options));
+    }
     if (const std::string footer = command->get_footer(); !footer.empty()) {
         text += '\n' + footer + '\n';
     }

@@ -16,6 +16,7 @@ struct Argument {
     std::string value;                 // what stands for its value; empty for a flag
     std::vector<std::string> choices;  // where its values are a fixed set
     std::string description;           // with choices and default
+    std::string group;                 // the heading that it stands under, if it has one of its own
     bool required = false;
     bool repeats = false;
     bool isHelp = false;
@@ -33,6 +34,10 @@ std::vector<Argument> options_of(const CLI::App& command);
 std::vector<Argument> positionals_of(const CLI::App& command);
 
 std::vector<const CLI::App*> commands_of(const CLI::App& program);
+
+// What a command does, in a line; and what else there is to say.
+std::string summary_of(const CLI::App& command);
+std::string details_of(const CLI::App& command);
 
 // The words behind a command's name: "CODE [OPTIONS]".
 std::vector<std::string> usage_of(const CLI::App& command);

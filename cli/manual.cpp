@@ -16,9 +16,9 @@ struct NamedText {
 };
 
 constexpr std::array<std::string_view, 4> introduction = {
-    "Points are given and printed line by line, as numbers and whatever follows them. A coordinate system is "
-    "named by "
-    "its code, its Lagestatus: a number such as 103.",
+    "The program carries points from one coordinate system to another, and looks after the data files that "
+    "describe "
+    "the systems. A system is named by its code, its Lagestatus: a number such as 103.",
     "What the systems are, and how each lies to the others, is told by plain text files in a data directory "
     "(option --dir, else the current directory). A sample directory comes with the program.",
     "A transformation leads from the source system to geocentric coordinates, into the Bessel datum where "
@@ -141,7 +141,12 @@ std::string option_tag(const Argument& argument) {
 
 std::string arguments(const std::vector<Argument>& all) {
     std::string roff;
+    std::string group;
     for (const Argument& argument : all) {
+        if (argument.group != group) {
+            group = argument.group;
+            roff += ".PP\n" + text_lines(group + ":");
+        }
         roff += tagged(option_tag(argument), argument.description);
     }
     return roff;
@@ -181,20 +186,20 @@ std::vector<Argument> own_arguments_of(const CLI::App& command) {
 }
 
 std::string command_section(const std::string& name, const CLI::App& command) {
-    std::string description = command.get_description();
-    if (!description.ends_with('.')) {
-        description += '.';
+    std::string description = summary_of(command) + (summary_of(command).ends_with('.') ? "" : ".");
+    if (const std::string details = details_of(command); !details.empty()) {
+        description += ' ' + details;
     }
-    return ".SS " + escaped(command.get_name()) + "\n" + usage(name, command) + ".PP\n" +
-           text_lines(description) + arguments(own_arguments_of(command)) +
-           (command.get_footer().empty() ? "" : footer(command.get_footer()));
+    std::string roff = ".SS " + escaped(command.get_name()) + '\n' + usage(name, command);
+    roff += ".PP\n" + text_lines(description) + arguments(own_arguments_of(command));
+    return roff + footer(command.get_footer());
 }
 
 }  // namespace
 
 std::string manual_page(const CLI::App& program, std::string_view version) {
     const std::string& name = program.get_name();
-    std::string summary = program.get_description();
+    std::string summary = summary_of(program);
     if (summary.ends_with('.')) {
         summary.pop_back();
     }
