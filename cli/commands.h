@@ -1,5 +1,6 @@
 // The commands of the program. Each function adds one of them, with its options, its help and an example; when the
-// command is the one called, its exit status is stored.
+// command is the one called, its exit status is stored. Completions go by the names of values: DIR a directory, FILE a
+// file, CODE a system of the data directory, which is the option --dir.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -25,7 +26,7 @@ void add_self_description(CLI::App& program, int& exitStatus);
 // Adds the option -d, --dir with its default, the current directory.
 void add_directory_option(CLI::App& command, std::string& directory);
 
-// Adds a paragraph of examples behind a command's options.
+// Adds a paragraph of examples behind a command's options, one a line.
 void add_examples(CLI::App& command, const std::string& examples);
 
 }  // namespace cli

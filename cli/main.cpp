@@ -1,13 +1,17 @@
 // The command lagestatus: a client of the exported interface.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
+#include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "commands.h"
+#include "description.h"
 #include "output.h"
 #include "platform.h"
 
@@ -18,7 +22,12 @@ void add_directory_option(CLI::App& command, std::string& directory) {
 }
 
 void add_examples(CLI::App& command, const std::string& examples) {
-    command.footer("Example:\n  " + examples);
+    std::istringstream lines(examples);
+    std::string text;
+    for (std::string line; std::getline(lines, line);) {
+        text += "\n  " + line.substr(std::min(line.find_first_not_of(' '), line.size()));
+    }
+    command.footer((examples.find('\n') == std::string::npos ? "Example:" : "Examples:") + text);
 }
 
 namespace {
@@ -30,17 +39,17 @@ int run(std::vector<std::string> arguments) {
     program.set_version_flag("--version", "lagestatus " LAGESTATUS_VERSION, "Print the version");
     program.allow_windows_style_options(false);  // a path may begin with a slash
     program.require_subcommand(1);
-    program.footer(
-        "Examples:\n"
-        "  lagestatus list -d data\n"
-        "  lagestatus transform --from 103 --to 203 -d data points.txt\n"
-        "lagestatus COMMAND --help tells more.\n"
-        "Exit status: 0 all good, 1 some rows failed or defects were found, 2 nothing could be done.");
+    program.set_help_flag("-h,--help", "Print this help");
+    program.formatter(std::make_shared<HelpFormatter>());
     int exitStatus = nothingDone;
     for (const auto add : {add_list, add_show, add_transform, add_check, add_scramble, add_unscramble,
                            add_import, add_message, add_self_description}) {
         add(program, exitStatus);
     }
+    // After the commands, which would inherit them.
+    add_examples(program,
+                 "lagestatus list -d data\n"
+                 "lagestatus transform --from 103 --to 203 -d data points.txt");
     const auto named = [&arguments](const CLI::App* command) {
         return command->get_name() == arguments.front();
     };

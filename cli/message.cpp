@@ -23,15 +23,15 @@ int show_message(int status, const std::string& fileName) {
 
 void add_message(CLI::App& program, int& exitStatus) {
     struct Options {
-        int code = 0;
+        int status = 0;
         std::string fileName;
     };
     const auto options = std::make_shared<Options>();
     CLI::App& command = *program.add_subcommand("message", "Print the message for a status");
-    command.add_option("CODE", options->code, "Status")->required();
+    command.add_option("STATUS", options->status, "Status")->required();
     command.add_option("NAME", options->fileName, "File that the failure concerns");
     add_examples(command, "lagestatus message 12 my-system.tra");
-    command.callback([options, &exitStatus] { exitStatus = show_message(options->code, options->fileName); });
+    command.callback([options, &exitStatus] { exitStatus = show_message(options->status, options->fileName); });
 }
 
 }  // namespace cli

@@ -1,0 +1,68 @@
+#!/bin/bash
+# What the completion of bash offers, and that help, manual and completion tell of the same options.
+# Usage: completion_test.sh PROGRAM SAMPLE_DIRECTORY
+program=$1
+sample=$2
+# shellcheck source=/dev/null
+source <("$program" completion bash)
+failures=0
+
+# The shell does not complete now: what would be left to it is kept here.
+compopt() { leftToShell=$2; }
+
+complete_line() {
+    COMP_WORDS=("$program" "$@")
+    COMP_CWORD=$#
+    leftToShell=
+    _lagestatus
+    offered="${COMPREPLY[*]}$leftToShell"
+}
+
+check() {
+    local expected=$1
+    shift
+    complete_line "$@"
+    [ "$offered" = "$expected" ] || {
+        echo "$*: offers \"$offered\", not \"$expected\""
+        failures=$((failures + 1))
+    }
+}
+
+check 'show' sh
+check '--version -h --help' -
+check '101 102 103 104 105' show -d "$sample" 10
+check '301 303' show --dir = "$sample" 3
+check '301 303' show "-d$sample" 3
+check '301 303' show -d "'$sample'" 3
+check '-d --dir --json -h --help' show -d "$sample" 101 ''
+check '' show -d /nowhere ''
+check '201 202 203' transform --dir "$sample" --from 101 --to 20
+check '201 202 203' transform --dir "$sample" --from 101 --to = 20
+check 'e n' transform --height ''
+check 'e n' transform --height =
+check '' transform --jobs ''
+check 'default' transform first ''
+check 'default' transform --output ''
+check 'dirnames' list -d ''
+check 'bash zsh fish' completion ''
+
+complete_line ''
+commands=("${COMPREPLY[@]}")
+[ ${#commands[@]} -gt 5 ] || failures=$((failures + 1))
+for command in "${commands[@]}"; do
+    inHelp=$("$program" "$command" --help | sed -nE 's/^  (-[a-z], )?(--[a-z-]+)( .*|$)/\2/p' | sort)
+    complete_line "$command" --
+    inManual=$("$program" manual | sed -n "/^\\.SS $command\$/,/^\\.S[SH] /p" | sed 's/\\-/-/g')
+    [ "$(printf '%s\n' "${COMPREPLY[@]}" | sort)" = "$inHelp" ] || {
+        echo "$command: completion and help differ: $offered"
+        failures=$((failures + 1))
+    }
+    for option in $inHelp; do
+        [ "$option" = --help ] || grep -qF -- "\\fB$option\\fR" <<<"$inManual" || {
+            echo "$command: the manual lacks $option"
+            failures=$((failures + 1))
+        }
+    done
+done
+echo "$failures failures"
+[ $failures = 0 ]
