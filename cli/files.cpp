@@ -12,9 +12,10 @@
 namespace cli {
 namespace {
 
+template <typename Error = FileError>
 [[noreturn]] void fail(const std::string& name, const std::string& what) {
     const int reason = errno;
-    throw FileError(name + ": " + what + ": " + std::generic_category().message(reason));
+    throw Error(name + ": " + what + ": " + std::generic_category().message(reason));
 }
 
 }  // namespace
@@ -49,7 +50,7 @@ std::optional<std::uint64_t> InputFile::size() const {
 std::size_t InputFile::read(char* bytes, std::size_t size) {
     const std::ptrdiff_t count = read_file_bytes(descriptor, bytes, size);
     if (count < 0) {
-        fail(fileName, "cannot be read");
+        fail<ReadError>(fileName, "cannot be read");
     }
     return static_cast<std::size_t>(count);
 }

@@ -15,6 +15,12 @@ class FileError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// Of a file that was opened and whose reading then failed.
+class ReadError : public FileError {
+  public:
+    using FileError::FileError;
+};
+
 // An open file to read from; closed in the end, unless it is standard input.
 class InputFile {
   public:

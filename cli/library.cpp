@@ -200,8 +200,20 @@ Road::End::End(const System& system)
     ellipsoid.resize(LAGESTATUS_ELLIPSOID_SIZE + 1);
 }
 
+// A longer name counts as a file that cannot be opened: nothing is opened at all.
+constexpr std::size_t longestDirectory = 299;
+
 Road::Road(const std::string& directory, const System& source, const System& target)
-    : heightDirectory(path_units(directory)), from(source), to(target), zoneNumber(target.zoneNumber) {}
+    : heightDirectory(path_units(directory)),
+      plainDirectory(heightDirectory),
+      from(source),
+      to(target),
+      zoneNumber(target.zoneNumber) {
+    // On these roads the library computes a normal height that nobody asked for.
+    if (target.in_bessel_datum() && (!source.in_bessel_datum() || source.is(Kind::geocentric))) {
+        plainDirectory.assign(longestDirectory + 1, u'x');
+    }
+}
 
 Transformed Road::transform(const std::array<double, 3>& point, Heights heights) const {
     constexpr int flagSet = -1;

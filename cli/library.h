@@ -73,6 +73,8 @@ class Road {
     // directory: where the height model lies.
     Road(const std::string& directory, const System& source, const System& target);
 
+    // Where no normal heights play a part the height model is not looked at; statuses of 1000 and above then mean
+    // nothing: latitude, longitude and ellipsoidal height are complete.
     [[nodiscard]] Transformed transform(const std::array<double, 3>& point, Heights heights) const;
 
   private:
@@ -84,6 +86,7 @@ class Road {
     };
 
     std::u16string heightDirectory;
+    std::u16string plainDirectory;  // where no normal height plays a part
     End from;
     End to;
     int zoneNumber;

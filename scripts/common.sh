@@ -4,9 +4,9 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 buildPackages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
-testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config locales)
+testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config locales python3)
 checkPackages=(clang-format clang-tidy python3 proj-bin)
-windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld clang-tidy locales)
+windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld clang-tidy locales python3)
 examplePackages=(mono-mcs mono-runtime fp-compiler fp-units-rtl python3)
 packagePackages=(dpkg-dev file unzip)
 benchPackages=(libbenchmark-dev libproj-dev pkg-config python3)

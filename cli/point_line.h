@@ -1,0 +1,68 @@
+// The form of point files: one point a line, its coordinates in some of its columns.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cli {
+
+// Between columns: runs of blanks and tabs (that is what blanks stands for), or one of ; , and the tab.
+inline constexpr char blanks = ' ';
+
+struct LineForm {
+    char delimiter = blanks;
+    bool decimalComma = false;
+    // The columns of northing, easting and height (latitude, longitude, height; X, Y, Z), from 0. Without a third one
+    // there are no heights.
+    std::vector<std::size_t> columns = {0, 1, 2};
+    // The third column counts only where it looks like a number: it may be absent, or be part of the text.
+    bool looksForHeight = true;
+    bool angles = false;  // the first two are degrees and may have minutes and seconds
+};
+
+// A part of a line.
+struct Span {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+struct PointLine {
+    std::array<double, 3> point = {};
+    std::array<std::optional<Span>, 3> fields;  // where they stand, without blanks and quotes around them
+    bool hasHeight = false;
+    std::string error;  // why the line is no point; empty if it is one
+};
+
+// Whether a line holds no point and is to be passed through: empty, or a comment that begins with "#".
+bool is_passed_through(std::string_view line);
+
+// The delimiter of a file, from its first line that holds a point: the one by which the columns are numbers. If there is
+// none, the most telling one.
+char recognised_delimiter(std::string_view line, LineForm form);
+
+// Splits lines and reads their numbers; keeps its memory from line to line.
+class LineReader {
+  public:
+    explicit LineReader(const LineForm& lineForm);
+
+    // Where a line has its coordinates. A field in double quotes may hold the delimiter.
+    std::array<std::optional<Span>, 3> fields_of(std::string_view line);
+
+    // Reads the point of a line. Every field must be a number as a whole, and finite.
+    void read(std::string_view line, PointLine& result);
+
+  private:
+    void split(std::string_view line);
+    void read_fields(std::string_view line, PointLine& result);
+
+    LineForm form;
+    std::size_t wanted;  // fields of a line that are looked at
+    std::vector<Span> spans;
+    std::string number;  // a field with its decimal point
+};
+
+}  // namespace cli
