@@ -181,7 +181,7 @@ std::string scrambled_unchecked(std::string_view plain, int key, FileForm form) 
                               false);
     }
     if (head.digits != "0" || head.ahead.ends_with('-')) {
-        fail(head.first_line(), "the key of a plain file must be written as 0");
+        fail(1 + line_feeds_in(head.ahead), "the key of a plain file must be written as 0");
     }
     return std::string(head.ahead) + keyText + std::string(head.behind) +
            stored_lines(head.rest, head.first_line(), key);
