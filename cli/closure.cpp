@@ -126,7 +126,8 @@ void check_eastings(const BothRoles& system, const Area& area) {
         if (!right) {
             throw ClosureError("at " + position_text(latitude, longitude) + " the easting is " +
                                fixed_text(easting, 1) + ", which a reader takes for strip " +
-                               fixed_text(number, 0) + ": eastings must not leave their million");
+                               fixed_text(number, 0) +
+                               ": eastings must not leave their million within the area of use (--area)");
         }
     });
 }

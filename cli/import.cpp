@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <initializer_list>
 #include <memory>
 #include <numbers>
 #include <optional>
@@ -113,13 +114,13 @@ std::string short_text(double value) {
 
 std::string quoted_text(const char* option, const std::string& text, std::size_t longest) {
     const std::optional<std::string> bytes = latin1(text);
-    const auto is_control = [](char byte) {
+    const auto isControl = [](char byte) {
         return static_cast<unsigned char>(byte) < 0x20 ||
                (static_cast<unsigned char>(byte) & 0x7FU) == 0x7F ||
                (static_cast<unsigned char>(byte) >= 0x80 && static_cast<unsigned char>(byte) < 0xA0);
     };
     const std::string which = std::string(option) + " " + text + ": ";
-    if (!bytes || std::any_of(bytes->begin(), bytes->end(), is_control)) {
+    if (!bytes || std::any_of(bytes->begin(), bytes->end(), isControl)) {
         throw Refused(which + "may have the printable characters of ISO 8859-1 only");
     }
     if (bytes->empty() || bytes->size() > longest) {
@@ -189,6 +190,19 @@ void set_ellipsoid(ParameterText& content, const Options& options) {
     quoted_text("--ellipsoid-name", content.ellipsoid, longest);
 }
 
+struct Given {
+    const char* option;
+    const std::string& text;
+};
+
+void refuse_given(std::initializer_list<Given> several, const std::string& why) {
+    for (const auto& [option, text] : several) {
+        if (!text.empty()) {
+            throw Refused(std::string(option) + " " + text + ": has no meaning " + why);
+        }
+    }
+}
+
 // ---- the projection
 
 void set_strips(ParameterText& content, const std::string& strips) {
@@ -199,10 +213,10 @@ void set_strips(ParameterText& content, const std::string& strips) {
     const std::vector<double> values = numbers_in("--strips", strips);
     const double width = values[0];
     const double offset = values.size() > 1 ? values[1] : 0.0;
-    const auto is_whole = [](double value, double least, double most) {
+    const auto isWhole = [](double value, double least, double most) {
         return value >= least && value <= most && std::trunc(value) == value;
     };
-    if (values.size() > 2 || !is_whole(width, 1.0, widest) || !is_whole(offset, lowest, highest)) {
+    if (values.size() > 2 || !isWhole(width, 1.0, widest) || !isWhole(offset, lowest, highest)) {
         throw Refused("--strips " + strips +
                       ": a layout of strips has a width of 1 to 9 whole degrees and an " +
                       "offset of -239 to 360 whole degrees");
@@ -265,36 +279,28 @@ void set_meridian(ParameterText& content, const Options& options) {
 }
 
 void set_projection(ParameterText& content, const Options& options) {
-    struct Given {
-        const char* option;
-        const std::string& text;
-    };
-    const auto refuse = [&content](std::initializer_list<Given> several) {
-        for (const auto& [option, text] : several) {
-            if (!text.empty()) {
-                throw Refused(std::string(option) + " has no meaning for the kind " + content.kind);
-            }
-        }
-    };
+    const std::string why = "for the kind " + content.kind;
     const bool meridian = content.kind == "Gauss-Krueger";
     if (!meridian && content.kind != "Soldner") {
-        refuse({{"--lat-0", options.latitude},
-                {"--lon-0", options.longitude},
-                {"--k-0", options.scale},
-                {"--x-0", options.easting},
-                {"--y-0", options.northing},
-                {"--strips", options.strips}});
+        refuse_given({{"--lat-0", options.latitude},
+                      {"--lon-0", options.longitude},
+                      {"--k-0", options.scale},
+                      {"--x-0", options.easting},
+                      {"--y-0", options.northing},
+                      {"--strips", options.strips}},
+                     why);
         return;
     }
     constexpr double pole = 90.0;
-    constexpr double halfTurn = 180.0;
+    constexpr double quarterTurn = 90.0;
     const double latitude = number_in("--lat-0", options.latitude, 0.0);
     const double longitude = number_in("--lon-0", options.longitude, 0.0);
     if (!(std::fabs(latitude) <= pole)) {
         throw Refused("--lat-0 " + options.latitude + ": must be from -90 to 90 degrees");
     }
-    if (!(longitude >= 0.0 && longitude <= halfTurn)) {
-        throw Refused("--lon-0 " + options.longitude + ": must be from 0 to 180 degrees east");
+    if (!(longitude >= 0.0 && longitude <= quarterTurn)) {
+        throw Refused("--lon-0 " + options.longitude +
+                      ": must be from 0 to 90 degrees; datum steps mirror longitudes beyond");
     }
     content.latitudeOfOrigin = data_text(latitude);
     content.longitudeOfOrigin = data_text(longitude);
@@ -303,7 +309,7 @@ void set_projection(ParameterText& content, const Options& options) {
         set_meridian(content, options);
         return;
     }
-    refuse({{"--strips", options.strips}});
+    refuse_given({{"--strips", options.strips}}, why);
     if (number_in("--k-0", options.scale, 1.0) != 1.0) {
         throw Refused("--k-0 " + options.scale + ": a Soldner system has no scale");
     }
@@ -370,7 +376,7 @@ Published published_set(const SetOptions& given, const std::string& way) {
         text += short_text(values[at]) + units.at(at);
     }
     published.comments = {set.changes_nothing() ? way + ": kein Unterschied."
-                                                : "Veröffentlicht (" + way + "): " + text + "."};
+                                                : way + ", veröffentlicht: " + text + "."};
     if (turns) {
         published.comments.emplace_back(
             positionVector
@@ -435,8 +441,7 @@ void check_intermediate(const char* option, const Similarity& set) {
     }
 }
 
-// The hub's set, from the Bessel datum to WGS84/ETRS89; the identity for a system in the Bessel datum.
-Similarity set_datum(ParameterText& content, const Options& options, const Definition& definition) {
+void set_datum(ParameterText& content, const Options& options, const Definition& definition) {
     const bool ownHub = !options.hubSet.empty();
     if (content.ellipsoid.starts_with("Bessel")) {
         if (!options.set.empty() || ownHub || !options.hubCode.empty()) {
@@ -446,11 +451,16 @@ Similarity set_datum(ParameterText& content, const Options& options, const Defin
                           "ever made; for a datum of its own give the ellipsoid another name, for example "
                           "--ellipsoid-name MGI-Bessel");
         }
+        refuse_given({{"--convention", options.convention},
+                      {"--reduction", options.reduction},
+                      {"--hub-convention", options.hubConvention},
+                      {"--hub-reduction", options.hubReduction}},
+                     "in the Bessel datum");
         content.headComments.emplace_back(
             "Das System liegt im Besseldatum: Die Datumsübergänge am Ende der Datei bleiben neutral.");
         content.datumComments = {
             "Bessel-Systeme brauchen keinen Datumsübergang; die Zeilen stehen der Form wegen da."};
-        return {};
+        return;
     }
     if (options.set.empty()) {
         throw Refused(
@@ -464,11 +474,11 @@ Similarity set_datum(ParameterText& content, const Options& options, const Defin
     }
     const Published system = published_set(
         {"--towgs84", "--convention", "--reduction", options.set, options.convention, options.reduction},
-        "vom System nach WGS84/ETRS89");
+        "Vom System nach WGS84/ETRS89");
     const Published hub = ownHub
                               ? published_set({"--hub-towgs84", "--hub-convention", "--hub-reduction",
                                                options.hubSet, options.hubConvention, options.hubReduction},
-                                              "vom Besseldatum nach WGS84/ETRS89")
+                                              "Vom Besseldatum nach WGS84/ETRS89")
                               : hub_of_directory(options, definition);
     check_intermediate("--towgs84", system.set);
     check_intermediate(ownHub ? "--hub-towgs84" : "--hub", hub.set);
@@ -477,14 +487,11 @@ Similarity set_datum(ParameterText& content, const Options& options, const Defin
     content.datumComments = system.comments;
     content.datumComments.insert(content.datumComments.end(), hub.comments.begin(), hub.comments.end());
     content.datumComments.emplace_back(
-        "Spalte 1 (nach Bessel): Hauptsatz vom System nach WGS84/ETRS89; von dort als Zwischensystem genau "
-        "umgekehrt der "
-        "von Bessel.");
+        "Spalte 1 (nach Bessel): Hauptsatz vom System nach WGS84/ETRS89, von dort genau umgekehrt nach "
+        "Bessel.");
     content.datumComments.emplace_back(
-        "Spalte 2 (von Bessel): Hauptsatz von Bessel nach WGS84/ETRS89; von dort als Zwischensystem genau "
-        "umgekehrt der "
-        "des Systems.");
-    return hub.set;
+        "Spalte 2 (von Bessel): Hauptsatz von Bessel nach WGS84/ETRS89, von dort genau umgekehrt ins "
+        "System.");
 }
 
 // ---- what the user is told
@@ -505,16 +512,19 @@ void note_equal_names(const BothRoles& system, const std::string& directory, con
         }
         return false;
     };
+    std::string codes;
     for (const Entry& entry : definition.entries) {
         const System source = read_system(directory, definition, entry, Role::source);
         const System target = read_system(directory, definition, entry, Role::target);
-        if (source.status != 0 || source.ellipsoid != system.source.ellipsoid) {
-            continue;
+        if (source.status == 0 && source.ellipsoid == system.source.ellipsoid &&
+            (differ(source, system.source) || (target.status == 0 && differ(target, system.target)))) {
+            codes += (codes.empty() ? "" : ", ") + std::to_string(entry.code);
         }
-        if (differ(source, system.source) || (target.status == 0 && differ(target, system.target))) {
-            complain("note: " + std::to_string(entry.code) + " in " + directory + " has the ellipsoid name " +
-                     source.ellipsoid + " too, but other parameters: between the two no datum step is made");
-        }
+    }
+    if (!codes.empty()) {
+        complain("note: no datum step will be made between this system and " + codes + " in " + directory +
+                 ": the ellipsoid name is " + system.source.ellipsoid +
+                 " there too, which counts as the same datum, but the parameters differ");
     }
 }
 
@@ -544,16 +554,38 @@ Area area_of(const ParameterText& content, const Options& options) {
     return germany;
 }
 
+// Without a sign at zero.
+std::string rounded_text(double value, int decimals) {
+    const std::string text = fixed_text(value, decimals);
+    return text.starts_with('-') && text.find_first_of("123456789") == std::string::npos ? text.substr(1)
+                                                                                         : text;
+}
+
 std::string point_text(const Point& point, bool geographic) {
     constexpr int degreeDecimals = 9;  // a tenth of a millimetre
     constexpr int metreDecimals = 4;
     const int decimals = geographic ? degreeDecimals : metreDecimals;
-    return fixed_text(point[0], decimals) + ' ' + fixed_text(point[1], decimals) + ' ' +
-           fixed_text(point[2], metreDecimals);
+    return rounded_text(point[0], decimals) + ' ' + rounded_text(point[1], decimals) + ' ' +
+           rounded_text(point[2], metreDecimals);
+}
+
+// How far a published set, whose formula is for small angles, and the rotation matrices of the library are apart at a
+// geocentric point: the products of the angles. Metres.
+double gap_of_small_angles(const Similarity& set, const Point& from, const Point& to) {
+    const auto& [a, b, c] = set.rotation;
+    const Point reduced = {from[0] - set.reduction[0], from[1] - set.reduction[1],
+                           from[2] - set.reduction[2]};
+    const auto& [x, y, z] = reduced;
+    const Point turned = {x + c * y - b * z, y - c * x + a * z, z + b * x - a * y};
+    Point gap = {};
+    for (std::size_t axis = 0; axis < gap.size(); ++axis) {
+        gap.at(axis) = set.translation.at(axis) + set.scale * turned.at(axis) - to.at(axis);
+    }
+    return std::hypot(gap[0], gap[1], gap[2]);
 }
 
 // One point, with and without the datum step, so that a wrong sign is seen.
-std::string report_of_point(const BothRoles& system, const Options& options, const Similarity& hub,
+std::string report_of_point(const BothRoles& system, const Options& options, const DatumStep& intoBessel,
                             const Area& area) {
     const BothRoles own = geographic_of(system);
     Point point = {};
@@ -576,7 +608,7 @@ std::string report_of_point(const BothRoles& system, const Options& options, con
     }
     // GRS 1980, EPSG:7019. The ellipsoid's name differs from every name that a file can have.
     System common = neutral_system("", 6378137.0, 6356752.314140356);
-    const auto& [translation, rotation, scale, reduction] = hub;
+    const auto& [translation, rotation, scale, reduction] = intoBessel.intermediate;
     const std::array<double, 10> slots = {translation[1], translation[0], translation[2], rotation[0],
                                           rotation[1],    rotation[2],    scale,          reduction[1],
                                           reduction[0],   reduction[2]};
@@ -585,9 +617,22 @@ std::string report_of_point(const BothRoles& system, const Options& options, con
     const Point after = carried(point, system.source, common);
     const Point shift = metres_between(before, after, common.parameters[24], common.parameters[25]);
     constexpr int decimals = 2;
-    return report + "  in WGS84/ETRS89 by this file:                      " + point_text(after, true) +
-           "\n  so the datum step moves it by " + fixed_text(shift[0], decimals) + " m east, " +
-           fixed_text(shift[1], decimals) + " m north, " + fixed_text(shift[2], decimals) + " m up\n";
+    report += "  in WGS84/ETRS89 by this file:                      " + point_text(after, true) +
+              "\n  so the datum step moves it by " + rounded_text(shift[0], decimals) + " m east, " +
+              rounded_text(shift[1], decimals) + " m north, " + rounded_text(shift[2], decimals) + " m up\n";
+    const auto geocentric = [](System any) {
+        any.kind = "Geozentrisch";
+        return any;
+    };
+    const Point from = carried(point, system.source, geocentric(system.target));
+    const Point to = carried(from, geocentric(system.source), geocentric(common));
+    constexpr double worthSaying = 0.001;  // metres
+    const double gap = gap_of_small_angles(intoBessel.main, from, to);
+    if (gap >= worthSaying) {
+        report += "  note: the published formula, for small angles, leads to a place " +
+                  fixed_text(gap * 1000.0, 1) + " mm away: here the angles stand for rotation matrices\n";
+    }
+    return report;
 }
 
 std::string report_of(const BothRoles& system, const Options& options, const Similarity& hub,
@@ -606,7 +651,7 @@ std::string report_of(const BothRoles& system, const Options& options, const Sim
     return "closure: " + std::to_string(closure.points) + " points, " + number_text(area.south) + " to " +
            number_text(area.north) + " N, " + number_text(area.west) + " to " + number_text(area.east) +
            " E, out of the Bessel datum and back: " + sizes + '\n' +
-           report_of_point(system, options, hub, area);
+           report_of_point(system, options, intoBessel, area);
 }
 
 // ---- all together
@@ -640,11 +685,12 @@ Imported imported(const Options& options) {
                             ", geschrieben von lagestatus import aus veröffentlichten Parametern."};
     set_ellipsoid(content, options);
     set_projection(content, options);
-    const Similarity hub = set_datum(content, options, definition);
+    set_datum(content, options, definition);
 
     const std::string text = text_of(content);
     const BothRoles system = {system_of(text, Role::source), system_of(text, Role::target)};
-    Imported done = {latin1(text).value(), report_of(system, options, hub, area_of(content, options))};
+    Imported done = {latin1(text).value(),
+                     report_of(system, options, content.intoBessel, area_of(content, options))};
     note_equal_names(system, options.directory, definition);
     return done;
 }
