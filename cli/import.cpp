@@ -198,7 +198,8 @@ struct Given {
 void refuse_given(std::initializer_list<Given> several, const std::string& why) {
     for (const auto& [option, text] : several) {
         if (!text.empty()) {
-            throw Refused(std::string(option) + " " + text + ": has no meaning " + why);
+            throw Refused(
+                std::string(option).append(" ").append(text).append(": has no meaning ").append(why));
         }
     }
 }
@@ -635,7 +636,7 @@ std::string report_of_point(const BothRoles& system, const Options& options, con
     return report;
 }
 
-std::string report_of(const BothRoles& system, const Options& options, const Similarity& hub,
+std::string report_of(const BothRoles& system, const Options& options, const DatumStep& intoBessel,
                       const Area& area) {
     constexpr double largestAllowed = 1.0;  // millimetre
     constexpr int decimals = 4;
