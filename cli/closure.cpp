@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "directory.h"
+#include "numbers.h"
 #include "output.h"
 
 namespace cli {
@@ -17,11 +18,7 @@ constexpr std::size_t semiMinor = 25;
 constexpr double besselSemiMajorAxis = 6377397.155;
 constexpr double besselSemiMinorAxis = 6356078.962818189;
 
-std::string position_text(double latitude, double longitude) {
-    return number_text(latitude) + " N, " + number_text(longitude) + " E";
-}
-
-// Calls use(latitude, longitude) for a grid over the area.
+// Calls use(latitude, longitude) for a grid over the area; what it throws gets the place.
 template <typename Use>
 void for_each_node(const Area& area, Use use) {
     constexpr int steps = 20;
@@ -30,7 +27,14 @@ void for_each_node(const Area& area, Use use) {
     };
     for (int row = 0; row <= steps; ++row) {
         for (int column = 0; column <= steps; ++column) {
-            use(between(area.south, area.north, row), between(area.west, area.east, column));
+            const double latitude = between(area.south, area.north, row);
+            const double longitude = between(area.west, area.east, column);
+            try {
+                use(latitude, longitude);
+            } catch (const ClosureError& error) {
+                throw ClosureError("at " + number_text(latitude) + " N, " + number_text(longitude) +
+                                   " E: " + error.what());
+            }
         }
     }
 }
@@ -96,12 +100,7 @@ Closure closure_of(const BothRoles& system, const Area& area) {
     double sum = 0.0;
     for_each_node(area, [&](double latitude, double longitude) {
         const Point start = {latitude, longitude, height};
-        Point end = {};
-        try {
-            end = transformed(back, transformed(out, start));
-        } catch (const ClosureError& error) {
-            throw ClosureError("at " + position_text(latitude, longitude) + ": " + error.what());
-        }
+        const Point end = transformed(back, transformed(out, start));
         const Point gap = metres_between(start, end, besselSemiMajorAxis, besselSemiMinorAxis);
         const double distance = std::hypot(gap[0], gap[1], gap[2]) * millimetres;
         closure.largest = std::max(closure.largest, distance);
@@ -124,9 +123,8 @@ void check_eastings(const BothRoles& system, const Area& area) {
                                                layout.width / 2.0 + edge
                                          : number == system.target.zoneNumber;
         if (!right) {
-            throw ClosureError("at " + position_text(latitude, longitude) + " the easting is " +
-                               fixed_text(easting, 1) + ", which a reader takes for strip " +
-                               fixed_text(number, 0) +
+            throw ClosureError("the easting is " + data_text(std::round(easting)) +
+                               ", which a reader takes for strip " + number_text(number) +
                                ": eastings must not leave their million within the area of use (--area)");
         }
     });

@@ -646,7 +646,7 @@ std::string report_of(const BothRoles& system, const Options& options, const Dat
     const Closure closure = closure_of(system, area);
     const std::string sizes = "largest " + fixed_text(closure.largest, decimals) + " mm, mean " +
                               fixed_text(closure.mean, decimals) + " mm";
-    if (!(closure.largest <= largestAllowed)) {
+    if (!(closure.largest <= largestAllowed && closure.mean <= largestAllowed)) {
         throw Refused("out of the Bessel datum and back points do not close within 1 mm: " + sizes);
     }
     return "closure: " + std::to_string(closure.points) + " points, " + number_text(area.south) + " to " +
