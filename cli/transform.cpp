@@ -410,6 +410,7 @@ int transform_points(const TransformOptions& options) {
         work.finish();
     }
     progress.clear();
+    files.clear();  // Windows replaces no file that is open
     if (readable) {
         output->complete();
     } else if (!options.output.empty()) {
