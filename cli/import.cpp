@@ -44,8 +44,6 @@ class Refused : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-constexpr std::array<const char*, 4> kinds = {"Geographisch", "Geozentrisch", "Gauss-Krueger", "Soldner"};
-
 struct Ellipsoid {
     const char* title;
     const char* name;  // at most 10 characters
@@ -348,11 +346,6 @@ Published published_set(const SetOptions& given, const std::string& way) {
             which + "must be three or seven numbers: dx,dy,dz in metres, rx,ry,rz in arc seconds, ds in ppm");
     }
     values.resize(complete, 0.0);
-    if (!given.convention.empty() && given.convention != "position_vector" &&
-        given.convention != "coordinate_frame") {
-        throw Refused(std::string(given.conventionName) + " " + given.convention +
-                      ": is neither position_vector nor coordinate_frame");
-    }
     const bool turns = values[3] != 0.0 || values[4] != 0.0 || values[5] != 0.0;
     if (turns && given.convention.empty()) {
         throw Refused(which + "has rotations, whose sign depends on the convention: give " +
@@ -675,10 +668,6 @@ Imported imported(const Options& options) {
     if (!code) {
         throw Refused("CODE " + options.code + ": is no whole number of 32 bits");
     }
-    if (std::find(kinds.begin(), kinds.end(), options.kind) == kinds.end()) {
-        throw Refused("--kind " + options.kind +
-                      ": is none of Geographisch, Geozentrisch, Gauss-Krueger, Soldner");
-    }
     content.code = *code;
     content.name = quoted_text("--name", options.name, LAGESTATUS_NAME_SIZE - 1);
     content.kind = options.kind;
@@ -735,7 +724,10 @@ void add_import(CLI::App& program, int& exitStatus) {
     add("-o,--output", options->output, "FILE.tra", "File to write; without it, standard output");
     command.add_flag("--force", options->force, "Replace an existing file");
     add("--name", options->name, "TEXT", "Name of the system")->required();
-    add("--kind", options->kind, "KIND", "Geographisch, Geozentrisch, Gauss-Krueger or Soldner")->required();
+    add("--kind", options->kind, "KIND", "Kind of projection")
+        ->required()
+        ->check(CLI::IsMember({"Geographisch", "Geozentrisch", "Gauss-Krueger", "Soldner"}));
+    const CLI::IsMember conventions({"position_vector", "coordinate_frame"});
     add("--ellipsoid", options->ellipsoid, "NAME",
         "Bessel 1841, GRS80, WGS84, Krassowski 1940, International 1924 (Hayford), Airy 1830, Clarke 1866, "
         "Clarke 1880 (IGN)");
@@ -755,13 +747,12 @@ void add_import(CLI::App& program, int& exitStatus) {
     add("--towgs84", options->set, "NUMBERS",
         "From the system to WGS84/ETRS89: dx,dy,dz in metres or dx,dy,dz,rx,ry,rz,ds with arc seconds and "
         "ppm");
-    add("--convention", options->convention, "WORD",
-        "position_vector or coordinate_frame, for the rotations");
+    add("--convention", options->convention, "WORD", "What its rotations turn")->check(conventions);
     add("--reduction", options->reduction, "X,Y,Z",
         "Point that it turns about (Molodensky-Badekas), in metres");
     add("--hub-towgs84", options->hubSet, "NUMBERS",
         "From the Bessel datum to WGS84/ETRS89, in the same way");
-    add("--hub-convention", options->hubConvention, "WORD", "Its convention");
+    add("--hub-convention", options->hubConvention, "WORD", "Its convention")->check(conventions);
     add("--hub-reduction", options->hubReduction, "X,Y,Z", "Its point");
     add("--hub", options->hubCode, "CODE", "Or: the system of a data directory whose second column this is");
     add("-d,--dir", options->directory, "DIR", "The data directory");
