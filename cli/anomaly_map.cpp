@@ -602,10 +602,10 @@ std::string draw(const HeightModel& model, const GridSummary& summary, std::int6
     const Mesh mesh = mesh_of(model, columnFactor, rowFactor);
     const Sheet sheet = sheet_of(model);
     const Drawing drawing(mesh, sheet);
-    const auto value_of = [&model](std::int64_t number) {
+    const auto valueOf = [&model](std::int64_t number) {
         return static_cast<double>(model.values[static_cast<std::size_t>(number)]);
     };
-    const Classes classes = classes_of(value_of(summary.smallest), value_of(summary.largest));
+    const Classes classes = classes_of(valueOf(summary.smallest), valueOf(summary.largest));
 
     std::optional<Pixel> fundamental;
     const double lon = model.fundamental_longitude();
@@ -620,7 +620,7 @@ std::string draw(const HeightModel& model, const GridSummary& summary, std::int6
     std::string labels;
     Labels labelling(sheet, fundamental);
     for (int index = 0; index < classes.count; ++index) {
-        const double level = index == 0 ? value_of(summary.smallest) : classes.level(index);
+        const double level = index == 0 ? valueOf(summary.smallest) : classes.level(index);
         regions +=
             "<path fill=\"" + colour_of_class(classes, index) + "\" d=\"" + drawing.region(level) + "\"/>\n";
         if (index == 0) {

@@ -3,12 +3,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
-#include <utility>
+#include <system_error>
 #include <vector>
 
 #include "anomaly_map.h"
@@ -20,6 +20,7 @@
 #include "findings.h"
 #include "height_model.h"
 #include "output.h"
+#include "platform.h"
 
 namespace cli {
 namespace {
@@ -191,9 +192,15 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
     constexpr std::size_t semiMinor = 25;
     constexpr std::size_t firstOfDatum = 14;
     const auto same = [](const System& one, const System& other, std::size_t from, std::size_t to) {
-        return std::equal(one.parameters.begin() + static_cast<std::ptrdiff_t>(from),
-                          one.parameters.begin() + static_cast<std::ptrdiff_t>(to),
-                          other.parameters.begin() + static_cast<std::ptrdiff_t>(from));
+        const auto at = [](const System& system, std::size_t slot) {
+            return system.parameters.begin() + static_cast<std::ptrdiff_t>(slot);
+        };
+        return std::equal(at(one, from), at(one, to), at(other, from));
+    };
+    const auto sameDatum = [&same](const System& one, const System& other) {
+        return one.status != 0 || other.status != 0 ||
+               (same(one, other, firstOfDatum, semiMajor) &&
+                same(one, other, semiMinor + 1, LAGESTATUS_PARAMETER_COUNT));
     };
     for (std::size_t number = 0; number < systems.size(); ++number) {
         const Examined& one = systems[number];
@@ -211,8 +218,7 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
         if (!same(one.source, other->source, semiMajor, semiMinor + 1)) {
             findings.defect("ellipsoids", both + ", but other semi-axes");
         } else if (!one.source.in_bessel_datum() &&
-                   (!same(one.source, other->source, firstOfDatum, semiMajor) ||
-                    !same(one.source, other->source, semiMinor + 1, LAGESTATUS_PARAMETER_COUNT))) {
+                   !(sameDatum(one.source, other->source) && sameDatum(one.target, other->target))) {
             findings.note("ellipsoids",
                           both +
                               ", but another datum transformation: between systems of one ellipsoid name "
@@ -320,7 +326,7 @@ std::string range_text(const GridRange& range, const std::string& lines) {
 using Rows = std::vector<std::vector<std::string>>;
 
 Rows grid_rows(const HeightModel& model, const GridSummary& summary) {
-    const auto value_text = [&model](std::int64_t number) {
+    const auto valueText = [&model](std::int64_t number) {
         return fixed_text(static_cast<double>(model.values[static_cast<std::size_t>(number)]), 3) + " m at " +
                place_text(model, number);
     };
@@ -338,8 +344,8 @@ Rows grid_rows(const HeightModel& model, const GridSummary& summary) {
                                                corner(summary.lastHoleColumn, summary.lastHoleRow)});
     }
     if (summary.plausible > 0) {
-        rows.push_back({"  smallest", value_text(summary.smallest)});
-        rows.push_back({"  largest", value_text(summary.largest)});
+        rows.push_back({"  smallest", valueText(summary.smallest)});
+        rows.push_back({"  largest", valueText(summary.largest)});
     }
     if (summary.largestStep > 0.0) {
         rows.push_back({"  largest step", fixed_text(summary.largestStep, 3) + " m between " +
@@ -353,17 +359,23 @@ Rows grid_rows(const HeightModel& model, const GridSummary& summary) {
 void check_height_model(const std::string& directory, const std::string& map, Findings& findings) {
     const std::string name = "hoehe.ini";
     put("\nHeight model\n");
-    const auto no_map = [&map, &findings](const std::string& reason) {
+    const auto noMap = [&map, &findings](const std::string& reason) {
         if (!map.empty()) {
             findings.defect("map", map + ": not written: " + reason);
         }
     };
     const auto path = find_data_file(directory, u"hoehe.ini");
+    std::error_code none;
+    if (!path && std::filesystem::exists(file_path(in_directory(directory, name)), none)) {
+        findings.defect("file", name + ": is no regular file");
+        noMap("the height model cannot be read");
+        return;
+    }
     if (!path) {
         const int status = heightModelFrom + 110;
         findings.note("file",
                       "there is no height model; wherever one is needed, " + status_text(status, name));
-        no_map("there is no height model");
+        noMap("there is no height model");
         return;
     }
     HeightModel model;
@@ -371,11 +383,11 @@ void check_height_model(const std::string& directory, const std::string& map, Fi
         model = read_height_model(read_file(*path, heightModelLimit), name, findings);
     } catch (const FileError& error) {
         findings.defect("file", error.what());
-        no_map("the height model cannot be read");
+        noMap("the height model cannot be read");
         return;
     }
     if (!model.has_grid()) {
-        no_map("there is no grid to draw");
+        noMap("there is no grid to draw");
         return;
     }
     const GridSummary summary = summary_of(model);
@@ -387,7 +399,7 @@ void check_height_model(const std::string& directory, const std::string& map, Fi
     }
     if (summary.plausible == 0) {
         findings.defect("values", name + ": no value at all in the grid");
-        no_map("there is no grid to draw");
+        noMap("there is no grid to draw");
     } else if (!map.empty()) {
         const std::string image = anomaly_map(model, summary);
         try {
@@ -409,7 +421,7 @@ int check_directory(const std::string& directory, const std::string& map) {
         return nothingDone;
     }
     std::size_t defects = 0;
-    const auto close_section = [&defects](const Findings& findings) {
+    const auto closeSection = [&defects](const Findings& findings) {
         findings.print();
         defects += findings.defects();
     };
@@ -421,15 +433,15 @@ int check_directory(const std::string& directory, const std::string& map) {
     } catch (const FileError& error) {
         inDefinition.defect("file", error.what());
     }
-    close_section(inDefinition);
+    closeSection(inDefinition);
 
     Findings inSystems;
     check_systems(directory, definition, inSystems);
-    close_section(inSystems);
+    closeSection(inSystems);
 
     Findings inHeights;
     check_height_model(directory, map, inHeights);
-    close_section(inHeights);
+    closeSection(inHeights);
 
     put('\n' + (defects == 0 ? "no defects" : plural(defects, "defect")) + '\n');
     return defects == 0 ? allGood : someFailed;

@@ -51,21 +51,21 @@ struct Area {
     Range longitude;
 };
 
-// Longitudes keep away from the multiples of half a degree, where strips meet.
+// Points keep away from the places where coordinates jump: longitudes from the multiples of half a degree, where strips
+// meet; points around an origin from itself, where a value a little below 0 is written as a decadic complement.
 Area area_of(const System& system) {
     constexpr Range german = {47.0, 0.5, 18};
     constexpr Area germany = {german, {5.7, 0.5, 20}};
     const double origin = system.parameters[longitudeOfOrigin];
     if (system.is(Kind::soldner)) {
-        constexpr double step = 0.125;
-        constexpr double reach = 4 * step;
+        constexpr Range around = {-0.4375, 0.125, 8};
         constexpr double furthest = 89.0;  // short of the poles
-        const double latitude = system.parameters[latitudeOfOrigin] / degree;
-        return {{std::clamp(latitude, reach - furthest, furthest - reach) - reach, step, 9},
-                {origin - reach, step, 9}};
+        const double latitude =
+            std::clamp(system.parameters[latitudeOfOrigin] / degree, -furthest, furthest) + around.first;
+        return {{latitude, around.step, around.count}, {origin + around.first, around.step, around.count}};
     }
     if (system.is(Kind::gaussKrueger) && !zone_layout_of(system).strips) {
-        return {german, {origin - 1.5, 0.25, 13}};
+        return {german, {origin - 1.375, 0.25, 12}};
     }
     return germany;
 }
@@ -79,8 +79,8 @@ double distance(const System& system, const Point& one,
         const double b = system.parameters[semiMinor];
         const double phi = one[0] * degree;
         const double W = std::hypot(a * std::cos(phi), b * std::sin(phi));
-        difference[0] *= degree * a * b / W * a * b / (W * W);
-        difference[1] *= degree * a * a / W * std::cos(phi);
+        difference[0] *= degree * (a * b / W * a * b / (W * W) + one[2]);
+        difference[1] *= degree * (a * a / W + one[2]) * std::cos(phi);
     }
     return std::hypot(difference[0], difference[1], difference[2]);
 }
@@ -163,14 +163,14 @@ Closures closures_of(const std::string& directory, const System& source, const S
                 }
                 return transformed;
             };
-            const auto point_of = [](const Transformed& transformed) {
+            const auto pointOf = [](const Transformed& transformed) {
                 return Point{transformed.result[0], transformed.result[1], transformed.result[2]};
             };
             const Transformed start = taken(there, place);
             if (start.status != 0) {
                 continue;
             }
-            const Point point = point_of(start);
+            const Point point = pointOf(start);
             if (const Transformed end = taken(back, point); end.status == 0) {
                 add_distance(closures.own, distance(geographic, place, end.result));
             }
@@ -181,7 +181,7 @@ Closures closures_of(const std::string& directory, const System& source, const S
             if (hub.status != 0) {
                 continue;
             }
-            if (const Transformed end = taken(outOfBessel, point_of(hub)); end.status == 0) {
+            if (const Transformed end = taken(outOfBessel, pointOf(hub)); end.status == 0) {
                 add_distance(closures.bessel, distance(target, point, end.result));
             }
         }

@@ -113,9 +113,20 @@ class Reading {
 
     HeightModel model() {
         HeightModel model;
+        read(model);
+        for (const std::size_t number : lines.long_lines()) {
+            findings.defect("too long lines", line_text(number) +
+                                                  ": 1000 characters or more: what is beyond the first "
+                                                  "999 is read as another line");
+        }
+        return model;
+    }
+
+  private:
+    void read(HeightModel& model) {
         if (!lines.read_key()) {
             status(statusFileEnds, ": the scrambling key at its head is missing");
-            return model;
+            return;
         }
         model.key = lines.key();
         if (model.key < 0) {
@@ -123,15 +134,15 @@ class Reading {
                             fileName +
                                 ": the key is negative: the library reads nothing behind it and takes all "
                                 "height anomalies for 0");
-            return model;
+            return;
         }
         if (!lines.next()) {
             findings.note("empty", fileName + ": no data line: all height anomalies are 0");
-            return model;
+            return;
         }
         model.empty = false;
         if (!read_header(model)) {
-            return model;
+            return;
         }
         model.readable = findings.defects() == 0;
         if (model.longitude.count > 0 && model.latitude.count > 0) {
@@ -144,15 +155,8 @@ class Reading {
             }
             read_grid(model);
         }
-        for (const std::size_t number : lines.long_lines()) {
-            findings.defect("too long lines", line_text(number) +
-                                                  ": 1000 characters or more: what is beyond the first "
-                                                  "999 is read as another line");
-        }
-        return model;
     }
 
-  private:
     [[nodiscard]] std::string line_text(std::size_t number) const {
         return fileName + ": line " + std::to_string(number);
     }
@@ -213,11 +217,10 @@ class Reading {
             1e-3;  // of the spacing; where the extent is rounded, the last cell is a little off
         const double beyond = (range.largest - range.smallest) / range.spacing - (range.count - 1);
         if (beyond > tolerance) {
-            findings.defect("extent",
-                            fileName + ": the " + which + " from the smallest to the largest are " +
-                                number_text(range.count - 1 + beyond) +
-                                " spacings, no whole number: behind the last whole one height anomalies are "
-                                "wrong or missing");
+            findings.defect("extent", fileName + ": the " + which + " from the smallest to the largest are " +
+                                          number_text(range.count - 1 + beyond) +
+                                          " spacings apart, no whole number: behind the last whole one "
+                                          "height anomalies are wrong or missing");
         }
     }
 
@@ -248,14 +251,13 @@ class Reading {
             const std::int64_t columns = model.longitude.count;
             const auto there = static_cast<std::int64_t>(model.values.size());
             const std::int64_t rows = there / columns;
-            findings.defect("rows",
-                            fileName + ": the grid ends early: of " + std::to_string(model.latitude.count) +
-                                " rows " + std::to_string(rows) + " are there" +
-                                (there % columns == 0
-                                     ? std::string()
-                                     : " and " + std::to_string(there % columns) + " values of the next") +
-                                "; points north of them fail with status " +
-                                std::to_string(heightModelFrom + statusFileEnds));
+            const std::int64_t ofNext = there % columns;
+            findings.defect("rows", fileName + ": the grid ends early, in row " + std::to_string(rows + 1) +
+                                        " of " + std::to_string(model.latitude.count) + ", behind " +
+                                        std::to_string(ofNext) + " of its " + std::to_string(columns) +
+                                        " values; points north of row " + std::to_string(rows) +
+                                        " fail with status " +
+                                        std::to_string(heightModelFrom + statusFileEnds));
         }
     }
 
@@ -269,9 +271,9 @@ class Reading {
             rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
         }
         if (std::any_of(rest.begin(), rest.end(), [](char character) { return !is_blank(character); })) {
-            findings.defect("lines with too many values", line_text(lines.number()) + ": behind its " +
-                                                              std::to_string(places) + " values stands " +
-                                                              excerpt(rest) + ", which is not read");
+            findings.defect("lines with too many values",
+                            line_text(lines.number()) + ": behind the last value that belongs there stands " +
+                                excerpt(rest));
         }
     }
 
@@ -333,9 +335,14 @@ std::string trimmed_text(double value, int decimals) {
 
 std::string spacing_text(double degrees) {
     constexpr double minutes = 60.0;
-    constexpr double mostMinutes = 100.0;
-    return degrees * minutes < mostMinutes ? trimmed_text(degrees * minutes, 4) + "\u2032"
-                                           : trimmed_text(degrees, 6) + "\u00B0";
+    constexpr double readable = 0.001;  // minutes
+    const double inMinutes = degrees * minutes;
+    if (inMinutes < readable || degrees > 1e6) {
+        return number_text(degrees) + "\u00B0";
+    }
+    constexpr double fullDegree = 59.99;
+    return inMinutes < fullDegree ? trimmed_text(inMinutes, 4) + "\u2032"
+                                  : trimmed_text(degrees, 6) + "\u00B0";
 }
 
 bool is_hole(float value) {
@@ -357,20 +364,19 @@ HeightModel read_height_model(std::string bytes, const std::string& fileName, Fi
 GridSummary summary_of(const HeightModel& model) {
     GridSummary summary;
     const std::int64_t columns = std::max(model.longitude.count, 1);
-    const auto value_of = [&model](std::int64_t number) {
+    const auto valueOf = [&model](std::int64_t number) {
         return model.values[static_cast<std::size_t>(number)];
     };
-    const auto step_between = [&](std::int64_t one, std::int64_t other) {
-        const double step =
-            std::abs(static_cast<double>(value_of(one)) - static_cast<double>(value_of(other)));
-        if (is_plausible(value_of(one)) && step > summary.largestStep) {
+    const auto stepBetween = [&](std::int64_t one, std::int64_t other) {
+        const double step = std::abs(static_cast<double>(valueOf(one)) - static_cast<double>(valueOf(other)));
+        if (is_plausible(valueOf(one)) && step > summary.largestStep) {
             summary.largestStep = step;
             summary.stepFrom = one;
             summary.stepTo = other;
         }
     };
     for (std::int64_t number = 0; model.is_there(number); ++number) {
-        const float value = value_of(number);
+        const float value = valueOf(number);
         const std::int64_t column = number % columns;
         const std::int64_t row = number / columns;
         if (is_hole(value)) {
@@ -389,13 +395,13 @@ GridSummary summary_of(const HeightModel& model) {
             if (summary.plausible++ == 0) {
                 summary.smallest = summary.largest = number;
             }
-            summary.smallest = value < value_of(summary.smallest) ? number : summary.smallest;
-            summary.largest = value > value_of(summary.largest) ? number : summary.largest;
+            summary.smallest = value < valueOf(summary.smallest) ? number : summary.smallest;
+            summary.largest = value > valueOf(summary.largest) ? number : summary.largest;
             if (column > 0) {
-                step_between(number - 1, number);
+                stepBetween(number - 1, number);
             }
             if (row > 0) {
-                step_between(number - columns, number);
+                stepBetween(number - columns, number);
             }
         }
     }
