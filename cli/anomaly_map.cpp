@@ -136,7 +136,7 @@ Mesh mesh_of(const HeightModel& model, std::int64_t columnFactor, std::int64_t r
 
 // Where everything stands on the sheet, in pixels.
 struct Sheet {
-    double left = 62.0;
+    double left = 84.0;
     double top = 92.0;
     double width = 0.0;
     double height = 0.0;
@@ -497,7 +497,10 @@ std::string line(const Pixel& from, const Pixel& to) {
 std::string tick_text(std::int64_t number, std::int64_t perDegree) {
     constexpr std::int64_t minutes = 60;
     if (perDegree > minutes) {
-        return trimmed_text(static_cast<double>(number) / static_cast<double>(perDegree), 9) + "°";
+        const auto scale = static_cast<double>(perDegree);
+        return fixed_text(static_cast<double>(number) / scale,
+                          static_cast<int>(std::lround(std::log10(scale)))) +
+               "°";
     }
     const std::int64_t degrees = number / perDegree;
     const std::int64_t rest = number % perDegree * (minutes / perDegree);
@@ -563,7 +566,7 @@ std::string draw_legend(const Sheet& sheet, const Classes& classes) {
     for (int index = classes.count - 1; index >= 0; --index) {
         legend += "<rect x=\"" + px(x) + "\" y=\"" + px(y) + "\" width=\"" + px(boxWidth) + "\" height=\"" +
                   px(boxHeight) + "\" fill=\"" + colour_of_class(classes, index) + "\"/>\n";
-        if (index > 0) {
+        if (index > 0 || classes.count == 1) {
             labels += text({x + boxWidth + 6, y + boxHeight + 4}, "", classes.label(index));
         }
         y += boxHeight;
@@ -641,7 +644,7 @@ std::string draw(const HeightModel& model, const GridSummary& summary, std::int6
     draw_axis(sheet, true, graticule, ticks);
     draw_axis(sheet, false, graticule, ticks);
 
-    constexpr double legendWidth = 176.0;
+    constexpr double legendWidth = 190.0;
     constexpr double least = 560.0;  // for the lines above the map
     constexpr double legendHeight = 160.0;
     const double width = std::max(sheet.right() + legendWidth, least);
