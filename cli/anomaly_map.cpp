@@ -210,10 +210,11 @@ std::string colour_of(double share) {
         {{43, 28, 94}, {45, 74, 140}, {36, 121, 148}, {58, 164, 126}, {142, 201, 84}, {247, 230, 74}}};
     const double place = std::clamp(share, 0.0, 1.0) * (ramp.size() - 1);
     const auto below = std::min(static_cast<std::size_t>(place), ramp.size() - 2);
-    const double part = place - static_cast<double>(below);
+    const double onward = place - static_cast<double>(below);
     std::string text = "#";
     for (std::size_t channel = 0; channel < 3; ++channel) {
-        const double value = ramp[below][channel] + part * (ramp[below + 1][channel] - ramp[below][channel]);
+        const double value =
+            ramp[below][channel] + onward * (ramp[below + 1][channel] - ramp[below][channel]);
         const auto byte = static_cast<unsigned>(std::lround(std::clamp(value, 0.0, 255.0)));
         constexpr std::string_view digits = "0123456789abcdef";
         text += digits[byte / 16];

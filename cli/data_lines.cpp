@@ -210,10 +210,6 @@ bool Fields::literal(char expected) {
     return true;
 }
 
-bool Fields::runs_on() const {
-    return !left.empty() && !is_blank(left.front());
-}
-
 std::optional<std::string_view> quoted(std::string_view line) {
     const std::size_t opening = line.find('"');
     if (opening == std::string_view::npos) {

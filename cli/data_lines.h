@@ -47,8 +47,8 @@ class DataLines {
     std::vector<std::size_t> tooLong;
 };
 
-// Takes one field after another from a line, each with the blanks before it. Where one is missing, false is returned and
-// the rest of the line stays as it is.
+// Takes one field after another from a line, each with the blanks before it. Where one is missing, false is returned
+// and the rest of the line stays as it is.
 class Fields {
   public:
     explicit Fields(std::string_view line) : left(line) {}
@@ -58,9 +58,6 @@ class Fields {
     bool literal(char expected);  // without blanks before it
 
     [[nodiscard]] std::string_view rest() const { return left; }
-
-    // Whether something stands right behind the field before: "41,5" is 41 with ",5" behind it.
-    [[nodiscard]] bool runs_on() const;
 
   private:
     std::string_view left;

@@ -140,7 +140,6 @@ class Reading {
             findings.note("empty", fileName + ": no data line: all height anomalies are 0");
             return;
         }
-        model.empty = false;
         if (!read_header(model)) {
             return;
         }
@@ -241,8 +240,8 @@ class Reading {
         }
         if (superfluous > 0) {
             findings.defect("superfluous", fileName + ": " + std::to_string(superfluous) +
-                                               " lines behind the grid, which its extent and spacing do not "
-                                               "account for");
+                                               (superfluous == 1 ? " line" : " lines") +
+                                               " behind the grid that its extent and spacing announce");
         }
         if (!model.wholeGrid) {
             findings.defect("size", fileName + ": only the first " + std::to_string(model.values.size()) +
@@ -387,11 +386,7 @@ GridSummary summary_of(const HeightModel& model) {
             summary.firstHoleColumn = std::min(summary.firstHoleColumn, column);
             summary.lastHoleColumn = std::max(summary.lastHoleColumn, column);
             summary.lastHoleRow = row;
-        } else if (is_unreadable(value)) {
-            ++summary.unreadable;
-        } else if (!is_plausible(value)) {
-            ++summary.implausible;
-        } else {
+        } else if (is_plausible(value)) {
             if (summary.plausible++ == 0) {
                 summary.smallest = summary.largest = number;
             }
@@ -486,10 +481,10 @@ LibraryAnswers ask_library(const std::string& directory, const HeightModel& mode
     const std::int64_t rows = model.latitude.count;
     int unreached = 0;
     int lastFailure = 0;
-    for (int part = 0; part < perAxis * perAxis && columns > 1 && rows > 1; ++part) {
+    for (int cell = 0; cell < perAxis * perAxis && columns > 1 && rows > 1; ++cell) {
         // The cells' numbers begin with 0 and end one short of the last column or row.
-        const std::int64_t column = (columns - 2) * (part % perAxis) / (perAxis - 1);
-        const std::int64_t row = (rows - 2) * (part / perAxis) / (perAxis - 1);
+        const std::int64_t column = (columns - 2) * (cell % perAxis) / (perAxis - 1);
+        const std::int64_t row = (rows - 2) * (cell / perAxis) / (perAxis - 1);
         const std::array<double, 2> place = {model.latitude.at(row) + model.latitude.spacing / 2,
                                              model.longitude.at(column) + model.longitude.spacing / 2};
         int status = 0;

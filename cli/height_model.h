@@ -28,7 +28,6 @@ inline constexpr std::size_t heightHeaderSize = 29;
 
 struct HeightModel {
     int key = 0;
-    bool empty = true;                                 // no data line: all height anomalies are 0
     bool readable = false;                             // the header was read without a defect
     bool wholeGrid = true;                             // all values that the file holds were read
     std::array<double, heightHeaderSize> header = {};  // as in the file
@@ -64,8 +63,6 @@ HeightModel read_height_model(std::string bytes, const std::string& fileName, Fi
 struct GridSummary {
     std::int64_t holes = 0;
     std::int64_t firstHoleColumn = 0, lastHoleColumn = 0, firstHoleRow = 0, lastHoleRow = 0;
-    std::int64_t unreadable = 0;
-    std::int64_t implausible = 0;
     std::int64_t plausible = 0;
     std::int64_t smallest = 0;  // the numbers of these values, where there are plausible ones
     std::int64_t largest = 0;
