@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "anomaly_map.h"
-#include "closure.h"
+#include "trial.h"
 #include "commands.h"
 #include "data_lines.h"
 #include "directory.h"

@@ -1,4 +1,4 @@
-#include "closure.h"
+#include "trial.h"
 
 #include <algorithm>
 #include <array>
