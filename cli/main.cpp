@@ -25,7 +25,7 @@ void add_examples(CLI::App& command, const std::string& examples) {
     std::istringstream lines(examples);
     std::string text;
     for (std::string line; std::getline(lines, line);) {
-        text += "\n  " + line.substr(std::min(line.find_first_not_of(' '), line.size()));
+        text += "\n  " + line;
     }
     command.footer((examples.find('\n') == std::string::npos ? "Example:" : "Examples:") + text);
 }

@@ -31,7 +31,8 @@ void add_message(CLI::App& program, int& exitStatus) {
     command.add_option("STATUS", options->status, "Status")->required();
     command.add_option("NAME", options->fileName, "File that the failure concerns");
     add_examples(command, "lagestatus message 12 my-system.tra");
-    command.callback([options, &exitStatus] { exitStatus = show_message(options->status, options->fileName); });
+    command.callback(
+        [options, &exitStatus] { exitStatus = show_message(options->status, options->fileName); });
 }
 
 }  // namespace cli

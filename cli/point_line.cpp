@@ -13,7 +13,8 @@ namespace {
 constexpr std::string_view blankCharacters = " \t\v\f";
 
 bool is_blank(char character) {
-    return character == ' ' || character == '\t' || character == '\v' || character == '\f';
+    return character <= ' ' &&
+           (character == ' ' || character == '\t' || character == '\v' || character == '\f');
 }
 
 // The whole field as a finite number; its decimal mark is a point.

@@ -18,9 +18,12 @@ constexpr std::string_view unknown = "*";
 
 constexpr std::array<double, 10> powersOfTen = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
 
+// Room for the largest double, which has 309 digits, and its decimals.
+using NumberText = std::array<char, 340>;
+
 // Writes a number whose last decimal is beyond doubt, as std::to_chars would: product and rounding lose less than the
-// margin. Returned: the end; null if it is not such a number.
-char* write_plainly(char* to, double value, int decimals) {
+// margin. It ends where the text ends. Returned: its beginning; null if it is not such a number.
+char* write_plainly(NumberText& text, double value, int decimals, char decimalMark) {
     constexpr double largest = 1e12;
     constexpr double margin = 1e-3;  // an ulp below the largest is 1.2e-4
     if (decimals >= static_cast<int>(powersOfTen.size())) {
@@ -30,41 +33,42 @@ char* write_plainly(char* to, double value, int decimals) {
     if (!(scaled < largest)) {
         return nullptr;
     }
-    const double rounded = std::floor(scaled + 0.5);
-    if (std::fabs(scaled - rounded) > 0.5 - margin) {
+    auto rest = static_cast<std::uint64_t>(scaled + 0.5);
+    if (std::fabs(scaled - static_cast<double>(rest)) > 0.5 - margin) {
         return nullptr;
     }
-    std::array<char, 16> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): written before it is read
-    const auto end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<std::int64_t>(rounded)).ptr;
-    const auto count = static_cast<int>(end - digits.data());
-    if (value < 0.0) {
-        *to++ = '-';
+    const bool negative = value < 0.0 && rest != 0;
+    char* begin = text.data() + text.size();
+    const auto put = [&begin, &rest] {
+        *--begin = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    };
+    for (int count = 0; count < decimals; ++count) {
+        put();
     }
-    const int whole = std::max(count - decimals, 0);
-    if (whole == 0) {
-        *to++ = '0';
-    }
-    to = std::copy_n(digits.data(), whole, to);
     if (decimals > 0) {
-        *to++ = '.';
-        to = std::fill_n(to, std::max(decimals - count, 0), '0');
-        to = std::copy(digits.data() + whole, end, to);
+        *--begin = decimalMark;
     }
-    return to;
+    do {
+        put();
+    } while (rest != 0);
+    if (negative) {
+        *--begin = '-';
+    }
+    return begin;
 }
 
 // A number at the end of a text, with a fixed count of decimals.
 void append_fixed(std::string& text, double value, int decimals, char decimalMark) {
-    // The largest double has 309 digits.
-    std::array<char, 340>
-        digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): written before it is read
-    char* const begin = digits.data();
-    char* end = write_plainly(begin, value, decimals);
-    if (end == nullptr) {
-        end = std::to_chars(begin, begin + digits.size(), value, std::chars_format::fixed, decimals).ptr;
+    NumberText digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): written before it is read
+    if (const char* const begin = write_plainly(digits, value, decimals, decimalMark); begin != nullptr) {
+        text.append(std::string_view(begin, static_cast<std::size_t>(digits.data() + digits.size() - begin)));
+        return;
     }
-    if (decimalMark != '.' && decimals > 0) {
+    char* const begin = digits.data();
+    char* const end =
+        std::to_chars(begin, begin + digits.size(), value, std::chars_format::fixed, decimals).ptr;
+    if (decimals > 0) {
         end[-decimals - 1] = decimalMark;
     }
     const std::string_view written(begin, static_cast<std::size_t>(end - begin));
@@ -84,7 +88,8 @@ struct Row {
 
 class Composer {
   public:
-    Composer(const LineForm& lineForm, std::string& output) : form(lineForm), out(output) {}
+    Composer(const LineForm& lineForm, std::string& output, bool asciiTexts)
+        : form(lineForm), out(output), ascii(asciiTexts) {}
 
     void compose(const Row& row) {
         // The fields in the order in which they stand.
@@ -156,7 +161,7 @@ class Composer {
     }
 
     void align(std::string_view text, std::size_t width, bool separated) {
-        const std::size_t size = display_width(text);
+        const std::size_t size = ascii ? text.size() : display_width(text);
         out.append(std::max<std::size_t>(width - std::min(width, size), separated ? 1 : 0), ' ');
         out.append(text);
     }
@@ -181,6 +186,7 @@ class Composer {
 
     const LineForm& form;
     std::string& out;
+    bool ascii;
 };
 
 }  // namespace
@@ -269,7 +275,7 @@ void PointWriter::unreadable_row(std::string_view text, std::uint64_t number, co
     }
     const bool third = read.fields[2].has_value() || sourceGeocentric || targetGeocentric;
     const auto normal = writes_normal(read) ? std::optional(unknown) : std::nullopt;
-    Composer(form, written.text)
+    Composer(form, written.text, true)
         .compose({text, read.fields, {unknown, unknown, third ? unknown : ""}, normal, read.error});
 }
 
@@ -344,7 +350,7 @@ void PointWriter::point_row(std::string_view text, const LineForm& form, const P
         std::swap(numbers[0], numbers[1]);
     }
     const bool normalColumn = normalWritten || (writes_normal(read) && form.delimiter != blanks);
-    Composer(form, written.text)
+    Composer(form, written.text, !how.withSeconds)
         .compose({text,
                   read.fields,
                   {numbers[0], numbers[1], numbers[2]},
@@ -385,7 +391,7 @@ std::string PointWriter::heading(std::string_view line, const LineForm& form, bo
         }
     }
     std::string text;
-    Composer(form, text)
+    Composer(form, text, false)
         .compose({line,
                   fields.fields,
                   {names[0], names[1], names[2]},

@@ -410,6 +410,7 @@ int transform_points(const TransformOptions& options) {
         work.finish();
     }
     progress.clear();
+    files.clear();  // Windows replaces no file that is open
     if (readable) {
         output->complete();
     } else if (!options.output.empty()) {
@@ -501,8 +502,8 @@ void add_transform(CLI::App& program, int& exitStatus) {
     add_examples(
         command,
         "lagestatus transform --from 103 --to 203 -d data points.txt\n"
-        "  lagestatus transform --from 103 --to 201 -d data --columns 2,3,4 --header -o new.csv points.csv\n"
-        "  lagestatus transform --from 103 --to 203 -d data --height n --heights --label < points.txt");
+        "lagestatus transform --from 103 --to 201 -d data --columns 2,3,4 --header -o new.csv points.csv\n"
+        "lagestatus transform --from 103 --to 203 -d data --height n --heights --label < points.txt");
     command.callback([options, &exitStatus] { exitStatus = transform_points(*options); });
 }
 

@@ -50,7 +50,7 @@ complete_line ''
 commands=("${COMPREPLY[@]}")
 [ ${#commands[@]} -gt 5 ] || failures=$((failures + 1))
 for command in "${commands[@]}"; do
-    inHelp=$("$program" "$command" --help | sed -nE 's/^  (-[a-z], )?(--[a-z-]+)( .*|$)/\2/p' | sort)
+    inHelp=$("$program" "$command" --help | sed -nE 's/^  (-[a-z], )?(--[a-z0-9-]+)( .*|$)/\2/p' | sort)
     complete_line "$command" --
     inManual=$("$program" manual | sed -n "/^\\.SS $command\$/,/^\\.S[SH] /p" | sed 's/\\-/-/g')
     [ "$(printf '%s\n' "${COMPREPLY[@]}" | sort)" = "$inHelp" ] || {

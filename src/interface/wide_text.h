@@ -1,6 +1,7 @@
 // Texts across the boundary: 16-bit code units outside, 8-bit characters inside.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -15,16 +16,15 @@ namespace lagestatus {
 // (U+0100 does too). At most N - 1 units are taken, what follows is not read.
 template <std::size_t N>
 [[nodiscard]] FixedText<N> narrow_cut(const lagestatus_char* wide) noexcept {
-    FixedText<N> text;
-    for (std::size_t unit = 0; unit + 1 < N; ++unit) {
-        const char character =
-            static_cast<char>(static_cast<unsigned char>(load<lagestatus_char>(wide, unit)));
-        if (character == '\0') {
+    std::array<char, N> characters;
+    std::size_t size = 0;
+    for (; size + 1 < N; ++size) {
+        characters[size] = static_cast<char>(static_cast<unsigned char>(load<lagestatus_char>(wide, size)));
+        if (characters[size] == '\0') {
             break;
         }
-        text.append(character);
     }
-    return text;
+    return FixedText<N>({characters.data(), size});
 }
 
 // The same for a name that must not be cut into another one: nothing when it has N characters or more.
