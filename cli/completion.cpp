@@ -145,7 +145,12 @@ std::string bash_takes(const Argument& argument) {
     if (!argument.choices.empty()) {
         return shell_word(joined(argument.choices, " "));
     }
-    return argument.value.empty() ? "" : is_known(argument) ? argument.value : "ANY";
+    for (const char* kind : {"DIR", "FILE", "CODE"}) {
+        if (argument.takes(kind)) {
+            return kind;
+        }
+    }
+    return "ANY";
 }
 
 std::string bash_case(const std::vector<std::string>& patterns, const std::string& takes) {

@@ -43,7 +43,7 @@ std::vector<std::string> split(std::string_view text, char separator) {
 // Marks like a comma among the choices are none that a list of them could show.
 bool is_word(const std::string& text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char byte) {
-        return std::isalnum(byte) != 0 || byte == '-';
+        return std::isalnum(byte) != 0 || byte == '-' || byte == '_';
     });
 }
 
@@ -230,6 +230,10 @@ std::string wrapped(std::string_view text, std::size_t indent, std::size_t begun
         }
     }
     return lines;
+}
+
+bool Argument::takes(std::string_view kind) const {
+    return choices.empty() && (value == kind || value.starts_with(std::string(kind) + '.'));
 }
 
 std::string Argument::heading() const {

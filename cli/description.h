@@ -22,8 +22,8 @@ struct Argument {
     bool isHelp = false;
 
     [[nodiscard]] bool is_positional() const { return names.empty(); }
-    // Which of its two names a value like DIR, FILE or CODE goes by.
-    [[nodiscard]] bool takes(std::string_view kind) const { return choices.empty() && value == kind; }
+    // Whether its value is a DIR, a FILE (or FILE.tra) or a CODE.
+    [[nodiscard]] bool takes(std::string_view kind) const;
     // "-d, --dir DIR", or the name of a positional argument.
     [[nodiscard]] std::string heading() const;
 };

@@ -43,6 +43,8 @@ check 'e n' transform --height =
 check '' transform --jobs ''
 check 'default' transform first ''
 check 'default' transform --output ''
+check 'default' check --map ''
+check 'position_vector coordinate_frame' import --convention ''
 check 'dirnames' list -d ''
 check 'bash zsh fish' completion ''
 
