@@ -265,7 +265,7 @@ void PointWriter::line(std::string_view text, std::string_view end, std::uint64_
     ++written.tally.rows;
     reader.read(text, read);
     if (read.error.empty() && sourceGeocentric && !read.hasHeight) {
-        read.error = "the third coordinate is missing";
+        read.error = "no third coordinate";
     }
     if (!read.error.empty()) {
         unreadable_row(text, number, form, read, written);
