@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "anomaly_map.h"
-#include "trial.h"
 #include "commands.h"
 #include "data_lines.h"
 #include "directory.h"
@@ -21,6 +20,7 @@
 #include "height_model.h"
 #include "output.h"
 #include "platform.h"
+#include "trial.h"
 
 namespace cli {
 namespace {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 
 namespace cli {
@@ -45,8 +46,13 @@ void print_table(const std::vector<std::vector<std::string>>& rows) {
 }
 
 std::string number_text(double value) {
-    std::array<char, 32> text = {};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    // Lengths and degrees without an exponent, whatever is shorter; small angles with one.
+    const double size = std::fabs(value);
+    const bool plain = size == 0.0 || (size >= 1e-5 && size < 1e15);
+    std::array<char, 40> text = {};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                   plain ? std::chars_format::fixed : std::chars_format::scientific)
+                         .ptr;
     return {text.data(), end};
 }
 

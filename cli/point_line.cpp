@@ -129,8 +129,6 @@ void LineReader::read(std::string_view line, PointLine& result) {
 }
 
 void LineReader::read_fields(std::string_view line, PointLine& result) {
-    constexpr std::array<const char*, 2> missing = {"the first coordinate is missing",
-                                                    "the second coordinate is missing"};
     for (std::size_t part = 0; part < form.columns.size(); ++part) {
         auto& place = result.fields[part];
         std::string_view field = place ? line.substr(place->begin, place->end - place->begin) : "";
@@ -145,7 +143,7 @@ void LineReader::read_fields(std::string_view line, PointLine& result) {
         }
         if (field.empty()) {
             if (!isHeight) {
-                result.error = missing[part];
+                result.error = "no coordinate in column " + std::to_string(form.columns[part] + 1);
             }
             return;
         }

@@ -111,7 +111,8 @@ class Composer {
         for (std::size_t place = 0; place < count; ++place) {
             const std::size_t part = order[place];
             const Span& field = *row.fields[part];
-            replace(row.line.substr(done, field.begin - done), field.end - field.begin, row.texts[part]);
+            replace(row.line.substr(done, field.begin - done), done > 0, field.end - field.begin,
+                    row.texts[part]);
             done = field.end;
             if (part == anchor) {
                 if (!row.fields[2] && !row.texts[2].empty()) {
@@ -122,7 +123,7 @@ class Composer {
                 }
             }
         }
-        out.append(row.line.substr(done));
+        append_passed(row.line.substr(done), done > 0);
         for (const std::size_t part : {0U, 1U, 2U}) {
             const bool inserted = part == 2 && count > 0;
             if (!row.fields[part] && !inserted && !row.texts[part].empty()) {
@@ -138,14 +139,24 @@ class Composer {
     static constexpr std::size_t columnWidth =
         14;  // of coordinates between blanks, so that they stand in line
 
+    // Text that is passed through. Behind a coordinate that stands between blanks, two of them take the place of those
+    // that were there: they filled up a number that is gone.
+    void append_passed(std::string_view text, bool behindField) {
+        if (form.delimiter == blanks && behindField) {
+            text.remove_prefix(std::min(text.find_first_not_of(" \t\v\f"), text.size()));
+            out.append(text.empty() ? "" : "  ");
+        }
+        out.append(text);
+    }
+
     // A field behind the text that stands before it.
-    void replace(std::string_view before, std::size_t fieldSize, std::string_view text) {
+    void replace(std::string_view before, bool behindField, std::size_t fieldSize, std::string_view text) {
         if (form.delimiter != blanks) {
             out.append(before).append(text);
             return;
         }
         const std::size_t content = before.find_last_not_of(" \t\v\f") + 1;
-        out.append(before.substr(0, content));
+        append_passed(before.substr(0, content), behindField);
         const bool first = out.empty() || out.back() == '\n';
         align(text, std::max(before.size() - content + fieldSize, columnWidth + (first ? 0 : 1)), !first);
     }
@@ -254,7 +265,7 @@ void PointWriter::line(std::string_view text, std::string_view end, std::uint64_
     ++written.tally.rows;
     reader.read(text, read);
     if (read.error.empty() && sourceGeocentric && !read.hasHeight) {
-        read.error = "the third coordinate is missing";
+        read.error = "no third coordinate";
     }
     if (!read.error.empty()) {
         unreadable_row(text, number, form, read, written);
