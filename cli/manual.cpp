@@ -38,6 +38,8 @@ constexpr std::array<NamedText, 4> files = {{
     {"hoehe.ini", "The height model: a grid of height anomalies, needed for normal heights only."},
 }};
 
+constexpr std::size_t exampleIndent = 2;  // of the help's examples
+
 // As text for roff: a hyphen is one to be copied, a quotation mark or accent is that of ASCII.
 std::string escaped(std::string_view text) {
     std::string roff;
@@ -165,7 +167,7 @@ std::string footer(const std::string& text) {
             verbatim = indented;
         }
         if (indented) {
-            roff += text_line(escaped(line.substr(std::min(line.find_first_not_of(' '), line.size()))));
+            roff += text_line(escaped(line.substr(std::min(exampleIndent, line.size()))));
         } else if (!line.empty()) {
             roff += (begins ? ".PP\n" : "") + text_lines(line);
         }
