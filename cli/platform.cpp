@@ -253,20 +253,20 @@ int process_number() {
 }
 
 void remove_when_interrupted(const std::string& path) {
-    const auto handle_by = [](void (*handler)(int)) {
+    const auto handleBy = [](void (*handler)(int)) {
         for (const int signal : endingSignals) {
             if (std::signal(signal, handler) == SIG_IGN) {
                 std::signal(signal, SIG_IGN);  // as under nohup
             }
         }
     };
-    handle_by(SIG_DFL);
+    handleBy(SIG_DFL);
     removedPath = {};
     if (path.empty() || path.size() >= removedPath.size()) {
         return;
     }
     std::copy(path.begin(), path.end(), removedPath.begin());
-    handle_by(remove_file);
+    handleBy(remove_file);
 }
 
 StandardStreams::StandardStreams() = default;

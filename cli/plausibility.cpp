@@ -91,7 +91,7 @@ bool Plausibility::fits(const std::array<double, 3>& point) const {
 }
 
 std::string Plausibility::likely_mistake(const std::array<double, 3>& point) const {
-    const std::string exchanged = "northing and easting look exchanged (--swap, or other --columns)";
+    constexpr const char* exchanged = "northing and easting look exchanged (--swap, or other --columns)";
     const double easting = point[1];
     const double strip = std::trunc(easting / prefixUnit);
     switch (scheme) {

@@ -33,7 +33,7 @@ char* write_plainly(NumberText& text, double value, int decimals, char decimalMa
     if (!(scaled < largest)) {
         return nullptr;
     }
-    auto rest = static_cast<std::uint64_t>(scaled + 0.5);
+    auto rest = static_cast<std::uint64_t>(scaled + 0.5);  // NOLINT(bugprone-incorrect-roundings): see margin
     if (std::fabs(scaled - static_cast<double>(rest)) > 0.5 - margin) {
         return nullptr;
     }

@@ -384,7 +384,7 @@ int transform_points(const TransformOptions& options) {
     const std::size_t cores = std::max<std::size_t>(std::thread::hardware_concurrency(), 1);
     const std::size_t jobs = options.jobs != 0 ? options.jobs : std::min(cores, mostJobs);
     const bool withHeights = options.heights || options.height != "e";
-    const auto transform_piece = [&writer](Piece& piece) {
+    const auto transformPiece = [&writer](Piece& piece) {
         piece.written.clear();
         if (std::exchange(piece.overlong, false)) {
             writer.overlong_line(*piece.form, piece.firstLine, longestLine, piece.written);
@@ -395,7 +395,7 @@ int transform_points(const TransformOptions& options) {
     };
     bool readable = true;
     {
-        Work work(jobs, transform_piece, [&outcome](const Piece& piece) { outcome.take(piece); });
+        Work work(jobs, transformPiece, [&outcome](const Piece& piece) { outcome.take(piece); });
         PieceReader reader(options, *form, writer, piece_size(jobs, withHeights), work);
         for (InputFile& file : files) {
             try {
