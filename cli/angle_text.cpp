@@ -41,7 +41,7 @@ bool is_whole(double value) {
 
 }  // namespace
 
-std::optional<double> read_angle(std::string_view text) {
+std::optional<double> read_angle(std::string_view text, Hemisphere hemisphere) {
     using namespace std::string_view_literals;
     constexpr std::array degreeSigns = {"\u00B0"sv, "\xB0"sv, "d"sv, ":"sv};
     constexpr std::array minuteSigns = {"'"sv, "\u2032"sv, ":"sv};
@@ -58,9 +58,9 @@ std::optional<double> read_angle(std::string_view text) {
     } else {
         hasSign = false;
     }
-    if (!text.empty() && !hasSign &&
-        std::string_view("NSEOWnseow").find(text.back()) != std::string_view::npos) {
-        sign = std::string_view("SWsw").find(text.back()) != std::string_view::npos ? -1.0 : 1.0;
+    const std::string_view letters = hemisphere == Hemisphere::latitude ? "NnSs" : "EeOoWw";
+    if (!text.empty() && !hasSign && letters.find(text.back()) != std::string_view::npos) {
+        sign = std::string_view("SsWw").find(text.back()) != std::string_view::npos ? -1.0 : 1.0;
         text.remove_suffix(1);
     }
     double degrees = 0.0;

@@ -25,6 +25,10 @@ const Entry* find_entry(const Definition& definition, int code) {
 }
 
 bool open_directory(const std::string& directory, Definition& definition) {
+    if (directory.empty()) {
+        complain("the name of the data directory is empty; the current one is .");
+        return false;
+    }
     const std::optional<std::string> bytes = directory_bytes(directory);
     if (!bytes) {
         complain(directory + ": data directories may have the characters of Windows-1252 only");

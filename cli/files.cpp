@@ -67,9 +67,13 @@ OutputFile::OutputFile(const std::string& path) : fileName(path), finalPath(path
         descriptor = fs::is_directory(existing) ? -1 : open_to_write(path, false);
         errno = fs::is_directory(existing) ? EISDIR : errno;
     } else {
-        if (fs::exists(existing)) {  // the file itself, not the link that leads to it
-            finalPath = path_text(fs::canonical(file_path(path)));
+        // The file itself, not the link that leads to it.
+        constexpr int mostLinks = 16;
+        fs::path place = file_path(path);
+        for (int links = 0; links < mostLinks && fs::is_symlink(fs::symlink_status(place, none)); ++links) {
+            place = place.parent_path() / fs::read_symlink(place, none);
         }
+        finalPath = path_text(place);
         constexpr int attempts = 100;
         for (int attempt = 0; descriptor < 0 && attempt < attempts; ++attempt) {
             temporaryPath = finalPath + ".part" + std::to_string(process_number() + attempt);

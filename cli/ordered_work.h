@@ -7,6 +7,7 @@
 #include <exception>
 #include <functional>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -69,7 +70,7 @@ class OrderedWork {
             slot(filled).done = false;
             ++filled;
             if (idle == 0 && threads.size() < threadLimit) {
-                threads.emplace_back([this] { work_on(); });
+                add_thread();
             }
         }
         changed.notify_all();
@@ -95,6 +96,17 @@ class OrderedWork {
     void rethrow() {
         if (failure) {
             std::rethrow_exception(failure);
+        }
+    }
+
+    // Goes on with those there are when the system gives no more.
+    void add_thread() {
+        try {
+            threads.emplace_back([this] { work_on(); });
+        } catch (const std::system_error&) {
+            if (threads.empty()) {
+                throw;
+            }
         }
     }
 

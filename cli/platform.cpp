@@ -173,7 +173,7 @@ StandardStreams::~StandardStreams() {
 namespace cli {
 namespace {
 
-constexpr std::array<int, 3> endingSignals = {SIGINT, SIGTERM, SIGHUP};
+constexpr std::array<int, 7> endingSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU, SIGXFSZ};
 
 // A text at a place that a signal's handler may look at.
 std::array<char, 4096> removedPath = {};
@@ -269,7 +269,14 @@ void remove_when_interrupted(const std::string& path) {
     handleBy(remove_file);
 }
 
-StandardStreams::StandardStreams() = default;
+StandardStreams::StandardStreams() {
+    // A closed one would be the next file that is opened. Each gets the side that fails.
+    for (const int stream : {standardInput, standardOutput, standardError}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            (void)open("/dev/null", stream == standardInput ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
 StandardStreams::~StandardStreams() = default;
 
 }  // namespace cli

@@ -22,6 +22,8 @@ class Plausibility {
   private:
     [[nodiscard]] bool strip_fits(double easting) const;
     [[nodiscard]] bool northing_fits(double northing) const;
+    [[nodiscard]] bool looks_exchanged(const std::array<double, 3>& point) const;
+    [[nodiscard]] bool lies_in_germany(double northing, double easting) const;
 
     enum class Scheme { unchecked, degrees, strips, meridian, local };
 

@@ -62,7 +62,12 @@ char recognised_delimiter(std::string_view line, LineForm form) {
             return delimiter;
         }
     }
-    return blanks;
+    // A comma between numbers that stand between blanks is a decimal one.
+    const bool hasBlanks = line.find_first_of(blankCharacters) != std::string_view::npos;
+    const auto commas = static_cast<std::size_t>(std::count(line.begin(), line.end(), ','));
+    return !form.decimalComma && !hasBlanks && commas >= std::max<std::size_t>(form.columns.size(), 2)
+               ? ','
+               : blanks;
 }
 
 LineReader::LineReader(const LineForm& lineForm)
@@ -76,9 +81,22 @@ void LineReader::split(std::string_view line) {
         }
         return at;
     };
+    // Where a field in quotes that begins here ends; two quotes stand for one in it. Not a quote: where it begins.
+    const auto behindQuotes = [&](std::size_t at) {
+        const std::size_t begin = at;
+        while (at < line.size() && line[at] == '"') {
+            at = line.find('"', at + 1);
+            if (at == std::string_view::npos) {
+                return begin;  // the quote is never closed: a sign like any other
+            }
+            ++at;
+        }
+        return at;
+    };
     if (form.delimiter == blanks) {
         for (std::size_t at = skipBlanks(0); at < line.size() && spans.size() < wanted; at = skipBlanks(at)) {
             const std::size_t begin = at;
+            at = behindQuotes(at);
             while (at < line.size() && !is_blank(line[at])) {
                 ++at;
             }
@@ -88,15 +106,9 @@ void LineReader::split(std::string_view line) {
     }
     for (std::size_t at = 0; at <= line.size() && spans.size() < wanted; ++at) {
         Span span = {at, at};
-        const auto quote = [&] {
-            std::size_t first = at;
-            while (first < line.size() && line[first] == ' ') {
-                ++first;
-            }
-            return first < line.size() && line[first] == '"' ? line.find('"', first + 1)
-                                                             : std::string_view::npos;
-        }();
-        at = std::min(line.find(form.delimiter, quote == std::string_view::npos ? at : quote), line.size());
+        at = std::min(
+            line.find(form.delimiter, behindQuotes(std::min(line.find_first_not_of(' ', at), line.size()))),
+            line.size());
         span.end = at;
         while (span.begin < span.end && is_blank(line[span.begin])) {
             ++span.begin;
@@ -127,45 +139,67 @@ void LineReader::read(std::string_view line, PointLine& result) {
     read_fields(line, result);
 }
 
+std::string_view LineReader::content_of(std::string_view line, const std::optional<Span>& place) {
+    if (!place) {
+        return "";
+    }
+    const std::string_view field = line.substr(place->begin, place->end - place->begin);
+    if (field.size() < 2 || field.front() != '"' || field.back() != '"') {
+        return field;
+    }
+    unquoted = field.substr(1, field.size() - 2);
+    for (std::size_t at = unquoted.find("\"\""); at != std::string::npos;
+         at = unquoted.find("\"\"", at + 1)) {
+        unquoted.erase(at, 1);
+    }
+    return unquoted;
+}
+
+bool LineReader::read_coordinate(std::string_view field, std::size_t part, double& value) {
+    if (form.decimalComma) {
+        if (field.find('.') != std::string_view::npos) {
+            return false;
+        }
+        withPoint = field;
+        std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+        field = withPoint;
+    }
+    if (read_number(field, value)) {
+        return true;
+    }
+    constexpr std::size_t heightPart = 2;
+    if (!form.angles || part == heightPart) {
+        return false;
+    }
+    const auto angle = read_angle(field, part == 0 ? Hemisphere::latitude : Hemisphere::longitude);
+    value = angle.value_or(0.0);
+    return angle.has_value();
+}
+
 void LineReader::read_fields(std::string_view line, PointLine& result) {
+    constexpr std::size_t longestExcerpt = 60;
+    if (form.looksForHeight && form.columns.size() > 2) {
+        // Text of the line is no height, and stays what it is whatever becomes of the line.
+        const std::string_view field = content_of(line, result.fields[2]);
+        const bool emptyColumn = field.empty() && form.delimiter != blanks;
+        if (!emptyColumn && !looks_like_number(field)) {
+            result.fields[2].reset();
+        }
+    }
     for (std::size_t part = 0; part < form.columns.size(); ++part) {
-        auto& place = result.fields[part];
-        std::string_view field = place ? line.substr(place->begin, place->end - place->begin) : "";
-        if (field.size() >= 2 && field.front() == '"' && field.back() == '"') {
-            field = field.substr(1, field.size() - 2);
-        }
         const bool isHeight = part == 2;
-        const bool emptyColumn = field.empty() && place && form.delimiter != blanks;
-        if (isHeight && form.looksForHeight && !looks_like_number(field) && !emptyColumn) {
-            place.reset();
-            return;
-        }
+        const std::string_view field = content_of(line, result.fields[part]);
         if (field.empty()) {
             if (!isHeight) {
                 result.error = "no coordinate in column " + std::to_string(form.columns[part] + 1);
             }
             return;
         }
-        std::string_view digits = field;
-        if (form.decimalComma && field.find(',') != std::string_view::npos &&
-            field.find('.') == std::string_view::npos) {
-            number = field;
-            number[number.find(',')] = '.';
-            digits = number;
-        }
-        const bool plain =
-            !form.decimalComma || digits.data() != field.data() || field.find('.') == std::string_view::npos;
-        bool good = plain && read_number(digits, result.point[part]);
-        if (!good && plain && form.angles && !isHeight) {
-            const std::optional<double> angle = read_angle(digits);
-            good = angle.has_value();
-            result.point[part] = angle.value_or(0.0);
-        }
-        if (!good) {
+        if (!read_coordinate(field, part, result.point[part])) {
             const bool comma =
                 !form.decimalComma && form.delimiter != ',' && field.find(',') != std::string_view::npos;
-            result.error =
-                "not a number: \"" + std::string(field) + "\"" + (comma ? " (--decimal-comma?)" : "");
+            result.error = "not a number: \"" + std::string(field.substr(0, longestExcerpt)) + "\"" +
+                           (comma ? " (--decimal-comma?)" : "");
             return;
         }
         result.hasHeight = isHeight;

@@ -58,11 +58,14 @@ class LineReader {
   private:
     void split(std::string_view line);
     void read_fields(std::string_view line, PointLine& result);
+    std::string_view content_of(std::string_view line, const std::optional<Span>& place);
+    bool read_coordinate(std::string_view field, std::size_t part, double& value);
 
     LineForm form;
     std::size_t wanted;  // fields of a line that are looked at
     std::vector<Span> spans;
-    std::string number;  // a field with its decimal point
+    std::string unquoted;   // the last field that stood in quotes
+    std::string withPoint;  // the last one that had a comma
 };
 
 }  // namespace cli

@@ -9,11 +9,12 @@
 #include "angle_text.h"
 #include "directory.h"
 #include "output.h"
+#include "parameter_text.h"
 
 namespace cli {
 namespace {
 
-constexpr std::size_t keptErrors = 5;  // of one piece; the rows name the others
+constexpr std::size_t keptErrors = 21;  // of one piece; no more than these are told of a whole run
 constexpr std::string_view unknown = "*";
 
 constexpr std::array<double, 10> powersOfTen = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
@@ -305,8 +306,12 @@ bool PointWriter::writes_normal(const PointLine& read) const {
 }
 
 std::string PointWriter::reason_of(int status) const {
-    return std::to_string(status) + " " +
-           message(status, status >= heightModelFrom ? modelFileName : targetFileName);
+    return encoded(std::to_string(status) + " " +
+                   message(status, status >= heightModelFrom ? modelFileName : targetFileName));
+}
+
+std::string PointWriter::encoded(std::string text) const {
+    return options.latin1 ? latin1(text).value_or(text) : text;
 }
 
 void PointWriter::point_row(std::string_view text, const LineForm& form, const PointLine& read,
@@ -317,7 +322,11 @@ void PointWriter::point_row(std::string_view text, const LineForm& form, const P
     const bool heightsMatter = normalGiven || normalWritten;
     const Transformed transformed = road.transform(read.point, {normalGiven, heightsMatter});
     const int status = transformed.status;
-    const auto& at = transformed.result;
+    auto at = transformed.result;
+    if (status >= heightModelFrom && !targetGeocentric && at[0] == 0.0 && at[1] == 0.0 && at[2] == 0.0) {
+        // Where the height model is missing altogether the library may end early; the place does not hang on it.
+        at = road.transform(read.point, {false, false}).result;
+    }
     const bool complete = status == 0 || (status >= heightModelFrom && !heightsMatter);
     // A place without its height: all coordinates were computed, the height model gave nothing. Of X, Y, Z all hangs on
     // the height.
@@ -341,6 +350,7 @@ void PointWriter::point_row(std::string_view text, const LineForm& form, const P
             append_angle(number, at[part], how.degreeDecimals,
                          part == 0 ? Hemisphere::latitude : Hemisphere::longitude);
             std::replace(number.begin(), number.end(), '.', decimalMark);
+            number = encoded(number);
         } else {
             append_fixed(number, at[part], how.degreeDecimals, decimalMark);
         }
@@ -381,6 +391,9 @@ PointWriter::Texts PointWriter::names() const {
     if (options.written.exchanged) {
         std::swap(names[0], names[1]);
     }
+    for (std::string& name : names) {
+        name = encoded(name);
+    }
     return names;
 }
 
@@ -392,7 +405,7 @@ std::string PointWriter::heading(std::string_view line, const LineForm& form, bo
         fields.fields[2].reset();
     }
     Texts names = this->names();
-    std::string normal = "Normalhöhe [m]";
+    std::string normal = encoded("Normalhöhe [m]");
     if (!hasHeight && !targetGeocentric) {
         names[2].clear();
     }
@@ -429,7 +442,7 @@ std::string PointWriter::label(const LineForm& form, bool hasHeight) const {
         behind = columns.insert(behind, names[2]) + 1;
     }
     if (options.normalWanted && hasHeight && !targetGeocentric) {
-        columns.insert(behind, "Normalhöhe [m]");
+        columns.insert(behind, encoded("Normalhöhe [m]"));
     }
     const std::string separator = form.delimiter == blanks ? "  " : std::string(1, form.delimiter);
     std::string text = "# ";

@@ -27,6 +27,7 @@ struct WrittenForm {
 struct RunOptions {
     bool normalGiven = false;   // the heights of the points are normal heights
     bool normalWanted = false;  // a column of normal heights is wanted
+    bool latin1 = false;        // what is added to the lines is in ISO 8859-1 and not in UTF-8
     WrittenForm written;
 };
 
@@ -89,6 +90,7 @@ class PointWriter {
     [[nodiscard]] bool writes_normal(const PointLine& read) const;
     [[nodiscard]] Texts names() const;
     [[nodiscard]] std::string reason_of(int status) const;
+    [[nodiscard]] std::string encoded(std::string text) const;
 
     RunOptions options;
     const System& source;

@@ -35,6 +35,7 @@ struct TransformOptions {
     std::vector<std::size_t> columns;  // from 1; none: the first ones
     bool header = false;
     bool label = false;
+    bool latin1 = false;
     bool swap = false;
     bool swapInput = false;
     bool swapOutput = false;
@@ -46,11 +47,12 @@ struct TransformOptions {
     std::vector<std::string> files;
 };
 
-constexpr std::size_t longestLine = std::size_t{1} << 18;  // bytes
+constexpr std::size_t longestLine = std::size_t{1} << 17;  // bytes
 constexpr std::size_t largestPiece = std::size_t{1} << 17;
-constexpr std::size_t smallestPiece = std::size_t{1} << 14;
-// All pieces together, their input; their output takes up to a few times as much.
-constexpr std::size_t piecesTogether = std::size_t{1} << 22;
+constexpr std::size_t smallestPiece = std::size_t{1} << 12;
+// All pieces together, their input; their output takes up to forty times as much, if every line fails.
+constexpr std::size_t piecesTogether = std::size_t{1} << 20;
+constexpr std::size_t keptMemory = std::size_t{1} << 18;  // what a piece may keep for the next lines
 // A point with a height costs as much as hundreds without: a piece then is a hundred points or so.
 constexpr std::size_t pieceWithHeights = std::size_t{1} << 12;
 constexpr std::size_t mostJobs = 256;
@@ -82,10 +84,10 @@ class PieceReader {
           pieceSize(piece),
           work(pieces) {}
 
-    // Reads a file to its end.
-    void read(InputFile& file) {
+    // Reads a file to its end; fileName, for messages, is there as long as the work.
+    void read(InputFile& file, const std::string& fileName) {
         fileForm = options.delimiter.empty() ? nullptr : std::make_shared<const LineForm>(form);
-        name = &file.name();
+        name = &fileName;
         line = 1;
         carry.clear();
         bool first = true;
@@ -99,7 +101,7 @@ class PieceReader {
             fresh += count;
             ended = count == 0;
             const std::size_t feed = ended ? std::string::npos : piece.bytes.rfind('\n');
-            if (!ended && feed == std::string::npos) {
+            if (!ended && (feed == std::string::npos || (first && is_too_little(piece.bytes, feed + 1)))) {
                 carry = piece.bytes;
                 if (carry.size() < size) {
                     continue;
@@ -108,9 +110,10 @@ class PieceReader {
                     size = std::min(size * 2, longestLine);
                     continue;
                 }
+            }
+            if (!ended && feed == std::string::npos) {
                 ended = skip_line(file);
                 piece.overlong = true;
-                carry.clear();
                 piece.bytes.clear();
                 submit(piece, first, 1);
                 continue;
@@ -140,6 +143,18 @@ class PieceReader {
         recognise(piece);
         piece.form = fileForm ? fileForm : std::make_shared<const LineForm>(form);
         work.submit();
+    }
+
+    // Whether label and heading cannot be written yet: they hang on the first point.
+    [[nodiscard]] bool is_too_little(std::string_view bytes, std::size_t whole) const {
+        const std::string_view lines = bytes.substr(0, whole);
+        return (options.header || options.label) && !first_point(lines.substr(head_size(lines)));
+    }
+
+    // The byte order mark and the names of the columns; bytes are not empty.
+    [[nodiscard]] std::size_t head_size(std::string_view bytes) const {
+        const std::size_t mark = bytes.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+        return options.header ? std::min(bytes.find('\n', mark), bytes.size() - 1) + 1 : mark;
     }
 
     // The end of a line that is too long. Returned: whether the file ended.
@@ -188,22 +203,19 @@ class PieceReader {
     void begin_file(Piece& piece) {
         const std::string_view bytes = piece.bytes;
         const bool firstFile = std::exchange(noFileYet, false);
-        if (bytes.starts_with(byteOrderMark)) {
-            piece.begin = byteOrderMark.size();
-            piece.before = firstFile ? byteOrderMark : "";
+        const std::size_t mark = bytes.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+        piece.before = bytes.substr(0, firstFile ? mark : 0);
+        if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
+            throw FileError(*name + ": is UTF-16; UTF-8, ISO 8859-1 and Windows-1252 can be read");
         }
-        std::string_view head;
-        std::string_view lineEnd = bytes.find("\r\n") < bytes.find('\n') ? "\r\n" : "\n";
-        if (options.header) {
-            const std::size_t feed = std::min(bytes.find('\n', piece.begin), bytes.size() - 1);
-            head = bytes.empty() ? bytes : bytes.substr(piece.begin, feed + 1 - piece.begin);
-            piece.begin += head.size();
-            piece.firstLine += head.ends_with('\n') ? 1 : 0;
-        }
+        piece.begin = bytes.empty() ? 0 : head_size(bytes);
+        std::string_view head = bytes.substr(mark, piece.begin - mark);
+        piece.firstLine += head.ends_with('\n') ? 1 : 0;
+        const std::string_view lineEnd = bytes.find("\r\n") < bytes.find('\n') ? "\r\n" : "\n";
         recognise(piece);
         const LineForm& lineForm = fileForm ? *fileForm : form;
         bool hasHeight = !lineForm.looksForHeight && lineForm.columns.size() > 2;
-        if (const auto text = first_point(bytes.substr(std::min(piece.begin, bytes.size())))) {
+        if (const auto text = first_point(bytes.substr(piece.begin))) {
             PointLine read;
             LineReader(lineForm).read(*text, read);
             hasHeight = read.hasHeight;
@@ -240,7 +252,7 @@ class Outcome {
     Outcome(OutputFile& outputFile, Progress& progressBar, bool silent)
         : output(outputFile), progress(progressBar), quiet(silent) {}
 
-    void take(const Piece& piece) {
+    void take(Piece& piece) {
         output.write(piece.before);
         output.write(piece.written.text);
         tally.add(piece.written.tally);
@@ -258,6 +270,11 @@ class Outcome {
             say(piece, piece.written.warning, "warning: ");
         }
         progress.show(bytes, tally.rows);
+        for (std::string* const memory : {&piece.bytes, &piece.written.text}) {
+            if (memory->capacity() > keptMemory) {
+                std::string().swap(*memory);
+            }
+        }
     }
 
     Tally tally;
@@ -276,6 +293,8 @@ class Outcome {
     bool warned = false;
 };
 
+constexpr int mostSecondDecimals = 10;
+
 // How lines are made, as far as the options say. Nothing, and a message, for options that contradict each other.
 std::optional<LineForm> line_form(const TransformOptions& options, const System& source) {
     LineForm form;
@@ -288,6 +307,19 @@ std::optional<LineForm> line_form(const TransformOptions& options, const System&
         return std::nullopt;
     }
     form.angles = source.is(Kind::geographic);
+
+    if (options.columns.size() == 1 || options.columns.size() > 3) {
+        complain("--columns: two or three columns hold a point");
+        return std::nullopt;
+    }
+    if (options.precision.size() > 2) {
+        complain("--precision: decimals of metres, and of degrees");
+        return std::nullopt;
+    }
+    if (options.withSeconds && options.precision.size() == 2 && options.precision[1] > mostSecondDecimals) {
+        complain("--precision: seconds have at most " + std::to_string(mostSecondDecimals) + " decimals");
+        return std::nullopt;
+    }
     if (!options.columns.empty()) {
         form.looksForHeight = false;
         form.columns.clear();
@@ -311,10 +343,15 @@ std::optional<LineForm> line_form(const TransformOptions& options, const System&
     return form;
 }
 
+bool is_normal(const std::string& height) {
+    return height == "n" || height == "N";
+}
+
 RunOptions run_options(const TransformOptions& options, const System& source, const System& target) {
     RunOptions run;
-    run.normalGiven = options.height == "n" || options.height == "N";
+    run.normalGiven = is_normal(options.height);
     run.normalWanted = options.heights;
+    run.latin1 = options.latin1;
     WrittenForm& how = run.written;
     if (!options.precision.empty()) {
         how.metreDecimals = options.precision[0];
@@ -322,21 +359,46 @@ RunOptions run_options(const TransformOptions& options, const System& source, co
     // A degree has 111 km, a second 31 m.
     how.withSeconds = options.withSeconds;
     how.degreeDecimals = options.precision.size() > 1 ? options.precision[1]
-                                                      : how.metreDecimals + (options.withSeconds ? 1 : 5);
+                         : options.withSeconds        ? std::min(how.metreDecimals + 1, mostSecondDecimals)
+                                                      : how.metreDecimals + 5;
     const bool eastingFirstIn = (options.swap || options.swapInput) && !source.is(Kind::geocentric);
     const bool eastingFirstOut = (options.swap || options.swapOutput) && !target.is(Kind::geocentric);
     how.exchanged = eastingFirstIn != eastingFirstOut;
     return run;
 }
 
-std::optional<std::uint64_t> total_size(const std::vector<InputFile>& files) {
+// A file in its turn. Regular files are opened again then: there may be more of them than can be open at once.
+struct Input {
+    std::string name;                   // for messages
+    std::optional<std::uint64_t> size;  // of a regular file
+    std::optional<InputFile> file;      // open, if it is none
+};
+
+// All files are opened before the first row: a wrong name must not be found out half way.
+std::vector<Input> open_inputs(const std::vector<std::string>& names) {
+    std::vector<Input> inputs;
+    const auto add = [&inputs](InputFile file) {
+        inputs.push_back({file.name(), file.size(), std::nullopt});
+        if (!inputs.back().size || file.is_standard_input()) {
+            inputs.back().file.emplace(std::move(file));
+        }
+    };
+    for (const std::string& name : names) {
+        add(name == "-" ? InputFile() : InputFile(name));
+    }
+    if (names.empty()) {
+        add(InputFile());
+    }
+    return inputs;
+}
+
+std::optional<std::uint64_t> total_size(const std::vector<Input>& inputs) {
     std::uint64_t total = 0;
-    for (const InputFile& file : files) {
-        const std::optional<std::uint64_t> size = file.size();
-        if (!size) {
+    for (const Input& input : inputs) {
+        if (!input.size) {
             return std::nullopt;
         }
-        total += *size;
+        total += *input.size;
     }
     return total;
 }
@@ -363,14 +425,7 @@ int transform_points(const TransformOptions& options) {
     if (!form) {
         return nothingDone;
     }
-    // All files are opened before the first row: a wrong name must not be found out half way.
-    std::vector<InputFile> files;
-    for (const std::string& name : options.files) {
-        name == "-" ? files.emplace_back() : files.emplace_back(name);
-    }
-    if (files.empty()) {
-        files.emplace_back();
-    }
+    std::vector<Input> files = open_inputs(options.files);
     const PointWriter writer(
         run_options(options, source, target), options.directory, source, target,
         in_directory(options.directory, parameter_file_name(definition, *find_entry(definition, options.to))),
@@ -383,7 +438,7 @@ int transform_points(const TransformOptions& options) {
 
     const std::size_t cores = std::max<std::size_t>(std::thread::hardware_concurrency(), 1);
     const std::size_t jobs = options.jobs != 0 ? options.jobs : std::min(cores, mostJobs);
-    const bool withHeights = options.heights || options.height != "e";
+    const bool withHeights = options.heights || is_normal(options.height);
     const auto transformPiece = [&writer](Piece& piece) {
         piece.written.clear();
         if (std::exchange(piece.overlong, false)) {
@@ -395,11 +450,12 @@ int transform_points(const TransformOptions& options) {
     };
     bool readable = true;
     {
-        Work work(jobs, transformPiece, [&outcome](const Piece& piece) { outcome.take(piece); });
+        Work work(jobs, transformPiece, [&outcome](Piece& piece) { outcome.take(piece); });
         PieceReader reader(options, *form, writer, piece_size(jobs, withHeights), work);
-        for (InputFile& file : files) {
+        for (Input& input : files) {
             try {
-                reader.read(file);
+                InputFile file = input.file ? std::move(*input.file) : InputFile(input.name);
+                reader.read(file, input.name);
             } catch (const ReadError& error) {
                 work.finish();
                 progress.clear();
@@ -410,7 +466,6 @@ int transform_points(const TransformOptions& options) {
         work.finish();
     }
     progress.clear();
-    files.clear();  // Windows replaces no file that is open
     if (readable) {
         output->complete();
     } else if (!options.output.empty()) {
@@ -470,7 +525,7 @@ void add_transform(CLI::App& program, int& exitStatus) {
             "Columns of northing, easting and height, or of the first two alone, from 1 (1,2,3, the third if "
             "it looks like a number)")
         ->delimiter(',')
-        ->expected(2, 3)
+        ->allow_extra_args(false)
         ->check(CLI::Range(1, 10000))
         ->type_name("N,N[,N]");
     form.add_flag("--decimal-comma", options->decimalComma, "Numbers have a decimal comma");
@@ -478,6 +533,9 @@ void add_transform(CLI::App& program, int& exitStatus) {
         "--header", options->header,
         "The first line of a file names its columns; the names of the coordinates become the new ones");
     form.add_flag("--label", options->label, "Begin with a comment that names the columns");
+    form.add_flag(
+        "--latin1", options->latin1,
+        "Names and messages are added in ISO 8859-1, for files in it or in Windows-1252; else in UTF-8");
     form.add_flag("--swap", options->swap, "Easting before northing, longitude before latitude: in and out");
     form.add_flag("--swap-input", options->swapInput, "The same for the input alone");
     form.add_flag("--swap-output", options->swapOutput, "The same for the output alone");
@@ -487,7 +545,7 @@ void add_transform(CLI::App& program, int& exitStatus) {
             "--precision", options->precision,
             "Decimals of metres, and of degrees (or seconds with --dms) if five (one) more do not suit")
         ->delimiter(',')
-        ->expected(1, 2)
+        ->allow_extra_args(false)
         ->check(CLI::Range(0, 15))
         ->type_name("M[,D]");
 

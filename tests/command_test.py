@@ -17,7 +17,7 @@ steps run one after the other:
     cat NAME                 a file must hold the lines "> TEXT"
 
 ">~ TEXT" and "!~ TEXT" are regular expressions for one line, "> ..." and "! ..." any number of lines. In arguments and
-texts \\r, \\t, \\n, \\\\ and \\xNN stand for their bytes, and \\c at the end of a line for no line feed.
+texts \\r, \\t, \\n, \\\\ and \\xNN stand for their bytes, {x*100} for a hundred x, and \\c at the end of a line for no line feed.
 """
 
 import re
@@ -37,7 +37,8 @@ def decoded(text):
         code = match[1].decode()
         return ESCAPES.get(code) or bytes([int(code[1:], 16)])
 
-    return re.sub(rb"\\(x[0-9a-fA-F]{2}|[rtn\\])", one, text.encode())
+    text = re.sub(rb"\\(x[0-9a-fA-F]{2}|[rtn\\])", one, text.encode())
+    return re.sub(rb"\{(.)\*(\d+)\}", lambda match: match[1] * int(match[2]), text)
 
 
 def joined(lines):
