@@ -5,15 +5,15 @@ namespace cli {
 namespace {
 
 // Replaces each {{NAME}} of a script by its text.
-struct Part {
+struct Filling {
     std::string_view name;
     std::string text;
 };
 
-std::string filled(std::string script, const std::vector<Part>& parts) {
-    for (const Part& part : parts) {
-        const std::string mark = "{{" + std::string(part.name) + "}}\n";
-        script.replace(script.find(mark), mark.size(), part.text);
+std::string filled(std::string script, const std::vector<Filling>& fillings) {
+    for (const Filling& filling : fillings) {
+        const std::string mark = "{{" + std::string(filling.name) + "}}\n";
+        script.replace(script.find(mark), mark.size(), filling.text);
     }
     return script;
 }
