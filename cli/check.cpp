@@ -1,10 +1,12 @@
 // check: what is wrong with a data directory.
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <numbers>
 #include <optional>
 #include <set>
 #include <string>
@@ -12,7 +14,7 @@
 #include <vector>
 
 #include "anomaly_map.h"
-#include "trial.h"
+#include "closure.h"
 #include "commands.h"
 #include "data_lines.h"
 #include "directory.h"
@@ -188,8 +190,6 @@ struct Examined {
 
 // Systems whose ellipsoids have one name are taken to lie in one datum.
 void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) {
-    constexpr std::size_t semiMajor = 24;
-    constexpr std::size_t semiMinor = 25;
     constexpr std::size_t firstOfDatum = 14;
     const auto same = [](const System& one, const System& other, std::size_t from, std::size_t to) {
         const auto at = [](const System& system, std::size_t slot) {
@@ -199,8 +199,8 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
     };
     const auto sameDatum = [&same](const System& one, const System& other) {
         return one.status != 0 || other.status != 0 ||
-               (same(one, other, firstOfDatum, semiMajor) &&
-                same(one, other, semiMinor + 1, LAGESTATUS_PARAMETER_COUNT));
+               (same(one, other, firstOfDatum, slots::semiMajorAxis) &&
+                same(one, other, slots::semiMinorAxis + 1, LAGESTATUS_PARAMETER_COUNT));
     };
     for (std::size_t number = 0; number < systems.size(); ++number) {
         const Examined& one = systems[number];
@@ -215,7 +215,7 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
         }
         const std::string both =
             one.file + ": has the ellipsoid \"" + one.source.ellipsoid + "\" as " + other->file;
-        if (!same(one.source, other->source, semiMajor, semiMinor + 1)) {
+        if (!same(one.source, other->source, slots::semiMajorAxis, slots::semiMinorAxis + 1)) {
             findings.defect("ellipsoids", both + ", but other semi-axes");
         } else if (!one.source.in_bessel_datum() &&
                    !(sameDatum(one.source, other->source) && sameDatum(one.target, other->target))) {
@@ -227,22 +227,44 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
     }
 }
 
+// Where points of a system are tried.
+Area area_of(const System& system) {
+    constexpr Range germanLatitudes = {47.0, 55.5, 18};
+    constexpr double degree = std::numbers::pi / 180.0;
+    const auto around = [](double middle, double reach, int count) {
+        return Range{middle - reach, middle + reach, count};
+    };
+    const double origin = system.parameters[slots::longitudeOfOrigin];
+    if (system.is(Kind::soldner)) {
+        constexpr double furthest = 89.0;  // short of the poles
+        constexpr double reach = 0.4375;
+        const double latitude = system.parameters[slots::latitudeOfOrigin] / degree;
+        return {around(std::clamp(latitude, -furthest, furthest), reach, 8), around(origin, reach, 8)};
+    }
+    if (system.is(Kind::gaussKrueger) && !zone_layout_of(system).strips) {
+        return {germanLatitudes, around(origin, 1.375, 12)};
+    }
+    return {germanLatitudes, {5.7, 15.2, 20}};
+}
+
 std::string millimetre_text(double metres) {
     constexpr double readable = 1e12;
     return metres < readable ? fixed_text(metres * millimetres, 4) : "very large";
 }
 
 // Carries points through one system; returned: the last cells of its row.
-std::vector<std::string> check_closure(const std::string& directory, const Examined& system,
-                                       Findings& findings) {
-    const Closures closures = closures_of(directory, system.source, system.target);
-    if (closures.unusualPlace) {
+std::vector<std::string> check_closure(const Examined& system, Findings& findings) {
+    constexpr double furthestLongitude = 85.0;  // none beyond 90 comes out of a datum transformation
+    const Area area = area_of(system.target);
+    if (!(std::abs(area.longitude.middle()) < furthestLongitude)) {
         findings.note("places", system.file + ": its meridian lies beyond 85°: no points were tried");
         return {"-"};
     }
-    for (const auto& [status, count] : closures.failures) {
-        findings.defect("closures", system.file + ": " + status_text(status, system.file) + " (" +
-                                        plural(count, "transformation") + " of points of its area)");
+    const Closures closures = closures_of({system.source, system.target}, area);
+    for (const auto& [status, failure] : closures.failures) {
+        findings.defect("closures", system.file + ": " + refusal_text(status, system.file) + " (" +
+                                        plural(failure.count, "point") + " of its area, the first at " +
+                                        failure.firstPlace + ")");
     }
     if (closures.outOfReach > 0) {
         const std::string what =
@@ -299,7 +321,7 @@ void check_systems(const std::string& directory, const Definition& definition, F
             findings.defect("parameter files", error.what());
         }
         if (source == 0 && target == 0) {
-            const auto closure = check_closure(directory, system, findings);
+            const auto closure = check_closure(system, findings);
             row.insert(row.end(), closure.begin(), closure.end());
         } else {
             row.emplace_back("-");

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "closure.h"
 #include "data_lines.h"
 #include "directory.h"
 #include "output.h"
@@ -420,34 +421,20 @@ int expected_status(const HeightModel& model, std::int64_t first) {
     return 0;
 }
 
-System model_system(const std::string& ellipsoid, double a, double b) {
-    System system;
-    system.kind = "Geographisch";
-    system.ellipsoid = ellipsoid;
-    system.parameters[24] = a;
-    system.parameters[25] = b;
-    system.parameters[20] = 1.0;
-    system.parameters[32] = 1.0;
-    return system;
-}
-
 // From the Bessel datum to that of the height model, as its file says.
 Road road_to_model(const std::string& directory, const System& bessel, const HeightModel& model) {
-    System grid = model_system("Grid", model.header[2], model.header[3]);
-    // Where the header's values stand among the parameters: Y comes before X there.
-    constexpr std::array<std::size_t, 20> slots = {15, 14, 16, 17, 18, 19, 20, 22, 21, 23,
-                                                   27, 26, 28, 29, 30, 31, 32, 34, 33, 35};
+    System grid = neutral_system("Geographisch", "Grid", model.header[2], model.header[3]);
     constexpr std::size_t firstOfDatum = 4;
-    for (std::size_t index = 0; index < slots.size(); ++index) {
-        grid.parameters[slots[index]] = model.header[firstOfDatum + index];
+    for (std::size_t index = 0; index < slots::datumSets.size(); ++index) {
+        grid.parameters.at(slots::datumSets.at(index)) = model.header.at(firstOfDatum + index);
     }
     return {directory, bessel, grid};
 }
 
 // The latitude and longitude on Bessel that a road leads to a place of the grid; nothing if it cannot be found.
-std::optional<std::array<double, 3>> on_bessel(const Road& road, const std::array<double, 2>& place,
+std::optional<Point> on_bessel(const Road& road, const std::array<double, 2>& place,
                                                const HeightModel& model, int& status) {
-    std::array<double, 3> point = {place[0], place[1], 0.0};
+    Point point = {place[0], place[1], 0.0};
     constexpr int passes = 20;
     for (int pass = 0; pass < passes; ++pass) {
         const Transformed reached = road.transform(point, {});
@@ -474,7 +461,7 @@ LibraryAnswers ask_library(const std::string& directory, const HeightModel& mode
                            const std::string& fileName, Findings& findings) {
     constexpr int perAxis = 5;
     LibraryAnswers answers;
-    const System bessel = model_system("Bessel", model.header[0], model.header[1]);
+    const System bessel = neutral_system("Geographisch", "Bessel", model.header[0], model.header[1]);
     const Road toModel = road_to_model(directory, bessel, model);
     const Road itself(directory, bessel, bessel);
     const std::int64_t columns = model.longitude.count;

@@ -411,19 +411,12 @@ Published hub_of_directory(const Options& options, const Definition& definition)
         throw Refused("--hub " + options.hubCode +
                       ": lies in the Bessel datum itself and has no step out of it");
     }
-    const auto& slots = hub.parameters;
-    constexpr std::size_t firstOfIntermediate = 26;
-    constexpr std::size_t switches = 6;
-    if (std::any_of(slots.begin() + firstOfIntermediate, slots.begin() + firstOfIntermediate + switches,
-                    [](double value) { return value != 0.0; })) {
+    if (hub.has_two_stages()) {
         throw Refused("--hub " + options.hubCode +
                       ": its step out of the Bessel datum has two stages; take a system in " +
                       "WGS84 or ETRS89 itself");
     }
-    return {{{slots[15], slots[14], slots[16]},
-             {slots[17], slots[18], slots[19]},
-             slots[20],
-             {slots[22], slots[21], slots[23]}},
+    return {main_set_of(hub),
             {"Vom Besseldatum nach WGS84/ETRS89: Spalte 2 des Lagestatus " + std::to_string(*code) + "."}};
 }
 
@@ -523,9 +516,8 @@ void note_equal_names(const BothRoles& system, const std::string& directory, con
 }
 
 Area area_of(const ParameterText& content, const Options& options) {
-    constexpr Area germany = {5.5, 47.0, 15.5, 55.5};
-    constexpr double besideMeridian = 3.0;
-    constexpr double aroundOrigin = 0.5;
+    constexpr int places = 21;  // in each direction
+    constexpr Range germanLatitudes = {47.0, 55.5, places};
     constexpr double pole = 90.0;
     constexpr double halfTurn = 180.0;
     if (!options.area.empty()) {
@@ -534,18 +526,19 @@ Area area_of(const ParameterText& content, const Options& options) {
             !(values[0] >= -halfTurn && values[2] <= halfTurn && values[1] >= -pole && values[3] <= pole)) {
             throw Refused("--area " + options.area + ": must be WEST,SOUTH,EAST,NORTH in degrees");
         }
-        return {values[0], values[1], values[2], values[3]};
+        return {{values[1], values[3], places}, {values[0], values[2], places}};
     }
+    const auto around = [](double middle, double reach) {
+        return Range{middle - reach, middle + reach, places};
+    };
     const double longitude = number_in("--lon-0", options.longitude, 0.0);
     if (content.kind == "Soldner") {
-        const double latitude = number_in("--lat-0", options.latitude, 0.0);
-        return {longitude - aroundOrigin, latitude - aroundOrigin, longitude + aroundOrigin,
-                latitude + aroundOrigin};
+        return {around(number_in("--lat-0", options.latitude, 0.0), 0.5), around(longitude, 0.5)};
     }
     if (content.kind == "Gauss-Krueger" && options.strips.empty()) {
-        return {longitude - besideMeridian, germany.south, longitude + besideMeridian, germany.north};
+        return {germanLatitudes, around(longitude, 3.0)};
     }
-    return germany;
+    return {germanLatitudes, {5.5, 15.5, places}};
 }
 
 // Without a sign at zero.
@@ -578,14 +571,55 @@ double gap_of_small_angles(const Similarity& set, const Point& from, const Point
     return std::hypot(gap[0], gap[1], gap[2]);
 }
 
+// East, north and up in metres between two positions of a geographic system that lie close together.
+Point metres_between(const Point& from, const Point& to, const System& system) {
+    constexpr double radian = std::numbers::pi / 180.0;
+    const double latitude = from[0] * radian;
+    const double a = system.parameters[slots::semiMajorAxis];
+    const double ratio = system.parameters[slots::semiMinorAxis] / a;
+    const double squaredEccentricity = 1.0 - ratio * ratio;
+    const double sine = std::sin(latitude);
+    const double W = std::sqrt(1.0 - squaredEccentricity * sine * sine);
+    const double acrossMeridian = a / W;
+    const double alongMeridian = acrossMeridian * (1.0 - squaredEccentricity) / (W * W);
+    return {(to[1] - from[1]) * radian * acrossMeridian * std::cos(latitude),
+            (to[0] - from[0]) * radian * alongMeridian, to[2] - from[2]};
+}
+
+// Throws where a Gauss-Krueger easting of the area has another number in its millions than its strip's.
+void check_eastings(const BothRoles& system, const Area& area) {
+    constexpr double million = 1e6;
+    constexpr double edge = 1e-6;  // degrees: at a strip's edge either neighbour will do
+    const ZoneLayout layout = zone_layout_of(system.source);
+    const Road road(".", of_kind(system.source, "Geographisch"), system.target);
+    for_each_place(area, [&](double latitude, double longitude) {
+        const std::string where = "at " + place_text(latitude, longitude) + ": ";
+        double easting = 0.0;
+        try {
+            easting = carried(road, {latitude, longitude, 0.0})[1];
+        } catch (const NotCarried& refused) {
+            throw Refused(where + refused.what());
+        }
+        const double number = std::trunc(easting / million);
+        const bool right = layout.strips ? std::fabs(longitude - (layout.width * number + layout.offset)) <=
+                                               layout.width / 2.0 + edge
+                                         : number == system.target.zoneNumber;
+        if (!right) {
+            throw Refused(where + "the easting is " + data_text(std::round(easting)) +
+                          ", which a reader takes for strip " + number_text(number) +
+                          ": eastings must not leave their million within the area of use (--area)");
+        }
+    });
+}
+
 // One point, with and without the datum step, so that a wrong sign is seen.
 std::string report_of_point(const BothRoles& system, const Options& options, const DatumStep& intoBessel,
                             const Area& area) {
-    const BothRoles own = geographic_of(system);
+    const System ownSource = of_kind(system.source, "Geographisch");
+    const System ownTarget = of_kind(system.target, "Geographisch");
     Point point = {};
     if (options.point.empty()) {
-        point = carried({(area.south + area.north) / 2.0, (area.west + area.east) / 2.0, 0.0}, own.source,
-                        system.target);
+        point = carried({area.latitude.middle(), area.longitude.middle(), 0.0}, ownSource, system.target);
     } else {
         const std::vector<double> values = numbers_in("--point", options.point);
         if (values.size() != 2 && values.size() != point.size()) {
@@ -593,7 +627,7 @@ std::string report_of_point(const BothRoles& system, const Options& options, con
         }
         std::copy(values.begin(), values.end(), point.begin());
     }
-    const Point before = carried(point, system.source, own.target);
+    const Point before = carried(point, system.source, ownTarget);
     std::string report =
         "point: " + point_text(point, system.source.is(Kind::geographic)) +
         "\n  latitude, longitude, height in the system's datum: " + point_text(before, true) + '\n';
@@ -601,25 +635,17 @@ std::string report_of_point(const BothRoles& system, const Options& options, con
         return report;
     }
     // GRS 1980, EPSG:7019. The ellipsoid's name differs from every name that a file can have.
-    System common = neutral_system("", 6378137.0, 6356752.314140356);
-    const auto& [translation, rotation, scale, reduction] = intoBessel.intermediate;
-    const std::array<double, 10> slots = {translation[1], translation[0], translation[2], rotation[0],
-                                          rotation[1],    rotation[2],    scale,          reduction[1],
-                                          reduction[0],   reduction[2]};
-    constexpr std::size_t firstOfDatum = 14;
-    std::copy(slots.begin(), slots.end(), common.parameters.begin() + firstOfDatum);
+    System common = neutral_system("Geographisch", "", 6378137.0, 6356752.314140356);
+    set_main_set(common, intoBessel.intermediate);
     const Point after = carried(point, system.source, common);
-    const Point shift = metres_between(before, after, common.parameters[24], common.parameters[25]);
+    const Point shift = metres_between(before, after, common);
     constexpr int decimals = 2;
     report += "  in WGS84/ETRS89 by this file:                      " + point_text(after, true) +
               "\n  so the datum step moves it by " + rounded_text(shift[0], decimals) + " m east, " +
               rounded_text(shift[1], decimals) + " m north, " + rounded_text(shift[2], decimals) + " m up\n";
-    const auto geocentric = [](System any) {
-        any.kind = "Geozentrisch";
-        return any;
-    };
-    const Point from = carried(point, system.source, geocentric(system.target));
-    const Point to = carried(from, geocentric(system.source), geocentric(common));
+    const std::string geocentric = "Geozentrisch";
+    const Point from = carried(point, system.source, of_kind(system.target, geocentric));
+    const Point to = carried(from, of_kind(system.source, geocentric), of_kind(common, geocentric));
     constexpr double worthSaying = 0.001;  // metres
     const double gap = gap_of_small_angles(intoBessel.main, from, to);
     if (gap >= worthSaying) {
@@ -632,19 +658,25 @@ std::string report_of_point(const BothRoles& system, const Options& options, con
 std::string report_of(const BothRoles& system, const Options& options, const DatumStep& intoBessel,
                       const Area& area) {
     constexpr double largestAllowed = 1.0;  // millimetre
+    constexpr double millimetres = 1000.0;
     constexpr int decimals = 4;
     if (system.source.is(Kind::gaussKrueger)) {
         check_eastings(system, area);
     }
-    const Closure closure = closure_of(system, area);
-    const std::string sizes = "largest " + fixed_text(closure.largest, decimals) + " mm, mean " +
-                              fixed_text(closure.mean, decimals) + " mm";
-    if (!(closure.largest <= largestAllowed && closure.mean <= largestAllowed)) {
+    const Closures closures = closures_of(system, area);
+    for (const auto& [status, failure] : closures.failures) {
+        throw Refused("at " + failure.firstPlace + ": " + refusal_text(status, ""));
+    }
+    const Closure& closure = system.source.in_bessel_datum() ? closures.own : closures.bessel;
+    const double largest = std::max(closures.own.largest, closure.largest) * millimetres;
+    const std::string sizes = "largest " + fixed_text(largest, decimals) + " mm, mean " +
+                              fixed_text(closure.mean * millimetres, decimals) + " mm";
+    if (!(largest <= largestAllowed)) {
         throw Refused("out of the Bessel datum and back points do not close within 1 mm: " + sizes);
     }
-    return "closure: " + std::to_string(closure.points) + " points, " + number_text(area.south) + " to " +
-           number_text(area.north) + " N, " + number_text(area.west) + " to " + number_text(area.east) +
-           " E, out of the Bessel datum and back: " + sizes + '\n' +
+    return "closure: " + std::to_string(closure.points) + " points, " + number_text(area.latitude.first) +
+           " to " + number_text(area.latitude.last) + " N, " + number_text(area.longitude.first) + " to " +
+           number_text(area.longitude.last) + " E, out of the Bessel datum and back: " + sizes + '\n' +
            report_of_point(system, options, intoBessel, area);
 }
 
@@ -704,7 +736,7 @@ int import_system(const Options& options) {
     } catch (const Refused& refusal) {
         complain(refusal.what());
         return nothingDone;
-    } catch (const ClosureError& error) {
+    } catch (const NotCarried& error) {
         complain(error.what());
         return nothingDone;
     }

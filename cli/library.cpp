@@ -181,11 +181,18 @@ bool System::is(Kind which) const {
     return kind.starts_with("Soldner");
 }
 
+bool System::has_two_stages() const {
+    constexpr std::size_t firstOfIntermediate = 10;
+    constexpr std::size_t switches = 6;
+    const auto* const first = slots::datumSets.begin() + firstOfIntermediate;
+    return std::any_of(first, first + switches, [this](std::size_t slot) { return parameters.at(slot) != 0.0; });
+}
+
 ZoneLayout zone_layout_of(const System& system) {
     constexpr double fullCircle = 360.0;
     constexpr double offsetZero = 600.0;
     constexpr double largest = 1e9;  // far beyond every layout, and within an int
-    const double value = system.parameters[1];
+    const double value = system.parameters[slots::longitudeOfOrigin];
     if (!(value > fullCircle) || value > largest) {
         return {};
     }

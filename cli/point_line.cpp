@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <system_error>
 
 #include "angle_text.h"
+#include "numbers.h"
 
 namespace cli {
 namespace {
@@ -15,15 +15,6 @@ constexpr std::string_view blankCharacters = " \t\v\f";
 bool is_blank(char character) {
     return character <= ' ' &&
            (character == ' ' || character == '\t' || character == '\v' || character == '\f');
-}
-
-// The whole field as a finite number; its decimal mark is a point.
-bool read_number(std::string_view field, double& value) {
-    if (field.starts_with('+') && !field.starts_with("+-")) {
-        field.remove_prefix(1);
-    }
-    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
-    return error == std::errc() && end == field.data() + field.size() && std::isfinite(value);
 }
 
 // Whether a field is meant as a number, however it goes on.
@@ -158,19 +149,18 @@ void LineReader::read_fields(std::string_view line, PointLine& result) {
         }
         const bool plain =
             !form.decimalComma || digits.data() != field.data() || field.find('.') == std::string_view::npos;
-        bool good = plain && read_number(digits, result.point[part]);
-        if (!good && plain && form.angles && !isHeight) {
-            const std::optional<double> angle = read_angle(digits);
-            good = angle.has_value();
-            result.point[part] = angle.value_or(0.0);
+        std::optional<double> value = plain ? number_of(digits) : std::nullopt;
+        if (!value && plain && form.angles && !isHeight) {
+            value = read_angle(digits);
         }
-        if (!good) {
+        if (!value) {
             const bool comma =
                 !form.decimalComma && form.delimiter != ',' && field.find(',') != std::string_view::npos;
             result.error =
                 "not a number: \"" + std::string(field) + "\"" + (comma ? " (--decimal-comma?)" : "");
             return;
         }
+        result.point[part] = *value;
         result.hasHeight = isHeight;
     }
 }
