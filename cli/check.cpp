@@ -49,7 +49,6 @@ void report_long_lines(const DataLines& lines, const std::string& file, Findings
 struct DefinitionText {
     int announced = 0;
     std::size_t linesBehindHead = 0;
-    std::vector<std::size_t> longLines;
 };
 
 // Nothing where the file cannot be read or has no head line; what is found is added to the findings.
@@ -60,12 +59,13 @@ std::optional<DefinitionText> read_definition_text(const std::string& directory,
     }
     DataLines lines(read_file(*path, textFileLimit));
     DefinitionText text;
-    if (!lines.next() || !Fields(lines.text()).integer(text.announced)) {
+    const bool hasHead = lines.next();
+    Fields head(lines.text());
+    if (!hasHead || !head.integer(text.announced)) {
         return std::nullopt;
     }
-    Fields head(lines.text());
     int scrambled = 0;
-    if (head.integer(text.announced) && head.integer(scrambled) && scrambled != 0 && scrambled != 1) {
+    if (head.integer(scrambled) && scrambled != 0 && scrambled != 1) {
         findings.defect("flag", "DEFAULT: the head line marks scrambled files by " +
                                     std::to_string(scrambled) + ", which counts as 0: plain");
     }

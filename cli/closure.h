@@ -82,8 +82,8 @@ struct Failure {
 };
 
 struct Closures {
-    Closure own;     // from latitude and longitude in its own datum to the system, and back
-    Closure bessel;  // from the system into the Bessel datum, and back; not if it lies there
+    Closure own;                      // from latitude and longitude in its own datum to the system, and back
+    Closure bessel;                   // from the system into the Bessel datum, and back; not if it lies there
     std::map<int, Failure> failures;  // by their status
     std::size_t outOfReach = 0;       // points that the decadic complement leaves no unambiguous value
 };

@@ -432,8 +432,8 @@ Road road_to_model(const std::string& directory, const System& bessel, const Hei
 }
 
 // The latitude and longitude on Bessel that a road leads to a place of the grid; nothing if it cannot be found.
-std::optional<Point> on_bessel(const Road& road, const std::array<double, 2>& place,
-                                               const HeightModel& model, int& status) {
+std::optional<Point> on_bessel(const Road& road, const std::array<double, 2>& place, const HeightModel& model,
+                               int& status) {
     Point point = {place[0], place[1], 0.0};
     constexpr int passes = 20;
     for (int pass = 0; pass < passes; ++pass) {
