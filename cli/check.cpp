@@ -416,7 +416,7 @@ void check_height_model(const std::string& directory, const std::string& map, Fi
     Rows rows = grid_rows(model, summary);
     if (model.wholeGrid) {
         const LibraryAnswers answers = ask_library(directory, model, name, findings);
-        rows.push_back({"  library", std::to_string(answers.asked) + " cells asked for, " +
+        rows.push_back({"  library", plural(answers.asked, "cell") + " asked for, " +
                                          std::to_string(answers.withValue) + " with a height anomaly"});
     }
     if (summary.plausible == 0) {

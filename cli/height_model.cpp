@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -27,6 +28,9 @@ constexpr int statusFileEnds = 100;
 constexpr int statusLongitudes = 106;
 constexpr int statusLatitudes = 107;
 constexpr int statusNoValue = 109;
+
+constexpr const char* effectOfNothing =
+    ": all height anomalies are 0, and normal heights outside the Bessel datum fail with status 1100";
 
 enum class Sign { any, notNegative, positive };
 
@@ -131,14 +135,12 @@ class Reading {
         }
         model.key = lines.key();
         if (model.key < 0) {
-            findings.defect("key",
-                            fileName +
-                                ": the key is negative: the library reads nothing behind it and takes all "
-                                "height anomalies for 0");
+            findings.defect("key", fileName + ": the key is negative: the library reads nothing behind it" +
+                                       effectOfNothing);
             return;
         }
         if (!lines.next()) {
-            findings.note("empty", fileName + ": no data line: all height anomalies are 0");
+            findings.note("empty", fileName + ": no data line" + effectOfNothing);
             return;
         }
         if (!read_header(model)) {
@@ -459,7 +461,7 @@ std::optional<Point> on_bessel(const Road& road, const std::array<double, 2>& pl
 
 LibraryAnswers ask_library(const std::string& directory, const HeightModel& model,
                            const std::string& fileName, Findings& findings) {
-    constexpr int perAxis = 5;
+    constexpr int steps = 4;
     LibraryAnswers answers;
     const System bessel = neutral_system("Geographisch", "Bessel", model.header[0], model.header[1]);
     const Road toModel = road_to_model(directory, bessel, model);
@@ -468,29 +470,36 @@ LibraryAnswers ask_library(const std::string& directory, const HeightModel& mode
     const std::int64_t rows = model.latitude.count;
     int unreached = 0;
     int lastFailure = 0;
-    for (int cell = 0; cell < perAxis * perAxis && columns > 1 && rows > 1; ++cell) {
-        // The cells' numbers begin with 0 and end one short of the last column or row.
-        const std::int64_t column = (columns - 2) * (cell % perAxis) / (perAxis - 1);
-        const std::int64_t row = (rows - 2) * (cell / perAxis) / (perAxis - 1);
-        const std::array<double, 2> place = {model.latitude.at(row) + model.latitude.spacing / 2,
-                                             model.longitude.at(column) + model.longitude.spacing / 2};
-        int status = 0;
-        const auto point = on_bessel(toModel, place, model, status);
-        if (!point) {
-            ++unreached;
-            lastFailure = status;
-            continue;
+    // Cells from the first to the last, at equal distances, as far as there are so many.
+    const auto cells = [](std::int64_t nodes) {
+        std::set<std::int64_t> chosen;
+        for (int number = 0; number <= steps && nodes > 1; ++number) {
+            chosen.insert((nodes - 2) * number / steps);
         }
-        ++answers.asked;
-        const int expected = expected_status(model, columns * row + column);
-        answers.withValue += expected == 0 ? 1 : 0;
-        const int answered = itself.transform(*point, {false, true}).status;
-        if (answered != expected) {
-            findings.defect("library",
-                            fileName + ": at " + fixed_text(place[0], 5) + "° N " + fixed_text(place[1], 5) +
-                                "° E status " + std::to_string(expected) +
-                                " was to be expected, but the library says " +
-                                (answered == 0 ? std::string("0") : status_text(answered, fileName)));
+        return chosen;
+    };
+    for (const std::int64_t row : cells(rows)) {
+        for (const std::int64_t column : cells(columns)) {
+            const std::array<double, 2> place = {model.latitude.at(row) + model.latitude.spacing / 2,
+                                                 model.longitude.at(column) + model.longitude.spacing / 2};
+            int status = 0;
+            const auto point = on_bessel(toModel, place, model, status);
+            if (!point) {
+                ++unreached;
+                lastFailure = status;
+                continue;
+            }
+            ++answers.asked;
+            const int expected = expected_status(model, columns * row + column);
+            answers.withValue += expected == 0 ? 1 : 0;
+            const int answered = itself.transform(*point, {false, true}).status;
+            if (answered != expected) {
+                findings.defect("library",
+                                fileName + ": at " + fixed_text(place[0], 5) + "° N " +
+                                    fixed_text(place[1], 5) + "° E status " + std::to_string(expected) +
+                                    " was to be expected, but the library says " +
+                                    (answered == 0 ? std::string("0") : status_text(answered, fileName)));
+            }
         }
     }
     if (answers.asked == 0 && unreached > 0) {

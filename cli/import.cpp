@@ -106,7 +106,7 @@ Imported imported(const ImportOptions& options) {
     const std::string text = text_of(content);
     const BothRoles system = {system_of(text, Role::source), system_of(text, Role::target)};
     Imported done = {latin1(text).value(), report_of(system, content, options)};
-    note_equal_names(system, options, definition);
+    note_equal_names(system, content.code, options, definition);
     return done;
 }
 

@@ -154,6 +154,10 @@ void set_datum(ParameterText& content, const ImportOptions& options, const Defin
             "the step from the Bessel datum to WGS84/ETRS89 is given either by --hub-towgs84, or by --hub, a "
             "system of the directory -d");
     }
+    if (!ownHub) {
+        refuse_given({{"--hub-convention", options.hubConvention}, {"--hub-reduction", options.hubReduction}},
+                     "with --hub, whose step the directory has");
+    }
     const Published system = published_set(
         {"--towgs84", "--convention", "--reduction", options.set, options.convention, options.reduction},
         "Vom System nach WGS84/ETRS89");

@@ -181,7 +181,8 @@ std::string report_of(const BothRoles& system, const ParameterText& content, con
            report_of_point(system, options, content.intoBessel, area);
 }
 
-void note_equal_names(const BothRoles& system, const ImportOptions& options, const Definition& definition) {
+void note_equal_names(const BothRoles& system, int code, const ImportOptions& options,
+                      const Definition& definition) {
     // Between systems in the Bessel datum only the axes count.
     constexpr std::size_t firstOfDatum = 14;
     const bool bessel = system.source.in_bessel_datum();
@@ -199,7 +200,7 @@ void note_equal_names(const BothRoles& system, const ImportOptions& options, con
     for (const Entry& entry : definition.entries) {
         const System source = read_system(options.directory, definition, entry, Role::source);
         const System target = read_system(options.directory, definition, entry, Role::target);
-        if (source.status == 0 && source.ellipsoid == system.source.ellipsoid &&
+        if (entry.code != code && source.status == 0 && source.ellipsoid == system.source.ellipsoid &&
             (differ(source, system.source) || (target.status == 0 && differ(target, system.target)))) {
             codes += (codes.empty() ? "" : ", ") + std::to_string(entry.code);
         }

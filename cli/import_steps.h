@@ -57,7 +57,8 @@ void set_datum(ParameterText& content, const ImportOptions& options, const Defin
 // Points there and back, and one point with and without the datum step.
 std::string report_of(const BothRoles& system, const ParameterText& content, const ImportOptions& options);
 
-// Says on stderr which systems of the directory count as lying in the same datum though they do not.
-void note_equal_names(const BothRoles& system, const ImportOptions& options, const Definition& definition);
+// Says on stderr which other systems of the directory count as lying in the same datum though they do not.
+void note_equal_names(const BothRoles& system, int code, const ImportOptions& options,
+                      const Definition& definition);
 
 }  // namespace cli
