@@ -183,24 +183,14 @@ void check_parameter_text(const std::string& directory, const Definition& defini
 
 struct Examined {
     std::string file;
-    int code;
     System source;
     System target;
 };
 
 // Systems whose ellipsoids have one name are taken to lie in one datum.
 void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) {
-    constexpr std::size_t firstOfDatum = 14;
-    const auto same = [](const System& one, const System& other, std::size_t from, std::size_t to) {
-        const auto at = [](const System& system, std::size_t slot) {
-            return system.parameters.begin() + static_cast<std::ptrdiff_t>(slot);
-        };
-        return std::equal(at(one, from), at(one, to), at(other, from));
-    };
-    const auto sameDatum = [&same](const System& one, const System& other) {
-        return one.status != 0 || other.status != 0 ||
-               (same(one, other, firstOfDatum, slots::semiMajorAxis) &&
-                same(one, other, slots::semiMinorAxis + 1, LAGESTATUS_PARAMETER_COUNT));
+    const auto sameSets = [](const System& one, const System& other) {
+        return one.status != 0 || other.status != 0 || one.has_datum_sets_of(other);
     };
     for (std::size_t number = 0; number < systems.size(); ++number) {
         const Examined& one = systems[number];
@@ -215,10 +205,10 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
         }
         const std::string both =
             one.file + ": has the ellipsoid \"" + one.source.ellipsoid + "\" as " + other->file;
-        if (!same(one.source, other->source, slots::semiMajorAxis, slots::semiMinorAxis + 1)) {
+        if (!one.source.has_axes_of(other->source)) {
             findings.defect("ellipsoids", both + ", but other semi-axes");
         } else if (!one.source.in_bessel_datum() &&
-                   !(sameDatum(one.source, other->source) && sameDatum(one.target, other->target))) {
+                   !(sameSets(one.source, other->source) && sameSets(one.target, other->target))) {
             findings.note("ellipsoids",
                           both +
                               ", but another datum transformation: between systems of one ellipsoid name "
@@ -297,7 +287,7 @@ void check_systems(const std::string& directory, const Definition& definition, F
     std::vector<std::vector<std::string>> rows = {
         {"  code", "file", "source", "target", "largest closure, mm", "mean, mm", "points"}};
     for (const Entry& entry : definition.entries) {
-        systems.push_back({parameter_file_name(definition, entry), entry.code,
+        systems.push_back({parameter_file_name(definition, entry),
                            read_system(directory, definition, entry, Role::source),
                            read_system(directory, definition, entry, Role::target)});
         const Examined& system = systems.back();

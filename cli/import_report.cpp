@@ -165,7 +165,8 @@ std::string report_of(const BothRoles& system, const ParameterText& content, con
         check_eastings(system, area);
     }
     const Closures closures = closures_of(system, area);
-    for (const auto& [status, failure] : closures.failures) {
+    if (!closures.failures.empty()) {
+        const auto& [status, failure] = *closures.failures.begin();
         throw Refused("at " + failure.firstPlace + ": " + refusal_text(status, ""));
     }
     const Closure& closure = system.source.in_bessel_datum() ? closures.own : closures.bessel;
@@ -183,18 +184,8 @@ std::string report_of(const BothRoles& system, const ParameterText& content, con
 
 void note_equal_names(const BothRoles& system, int code, const ImportOptions& options,
                       const Definition& definition) {
-    // Between systems in the Bessel datum only the axes count.
-    constexpr std::size_t firstOfDatum = 14;
-    const bool bessel = system.source.in_bessel_datum();
-    const std::size_t first = bessel ? slots::semiMajorAxis : firstOfDatum;
-    const std::size_t end = bessel ? slots::semiMinorAxis + 1 : LAGESTATUS_PARAMETER_COUNT;
-    const auto differ = [first, end](const System& one, const System& other) {
-        for (std::size_t slot = first; slot < end; ++slot) {
-            if (one.parameters.at(slot) != other.parameters.at(slot)) {
-                return true;
-            }
-        }
-        return false;
+    const auto differ = [](const System& one, const System& other) {
+        return !one.has_axes_of(other) || (!one.in_bessel_datum() && !one.has_datum_sets_of(other));
     };
     std::string codes;
     for (const Entry& entry : definition.entries) {

@@ -185,7 +185,18 @@ bool System::has_two_stages() const {
     constexpr std::size_t firstOfIntermediate = 10;
     constexpr std::size_t switches = 6;
     const auto* const first = slots::datumSets.begin() + firstOfIntermediate;
-    return std::any_of(first, first + switches, [this](std::size_t slot) { return parameters.at(slot) != 0.0; });
+    return std::any_of(first, first + switches,
+                       [this](std::size_t slot) { return parameters.at(slot) != 0.0; });
+}
+
+bool System::has_axes_of(const System& other) const {
+    return parameters[slots::semiMajorAxis] == other.parameters[slots::semiMajorAxis] &&
+           parameters[slots::semiMinorAxis] == other.parameters[slots::semiMinorAxis];
+}
+
+bool System::has_datum_sets_of(const System& other) const {
+    return std::all_of(slots::datumSets.begin(), slots::datumSets.end(),
+                       [&](std::size_t slot) { return parameters.at(slot) == other.parameters.at(slot); });
 }
 
 ZoneLayout zone_layout_of(const System& system) {

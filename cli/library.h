@@ -56,6 +56,8 @@ struct System {
     [[nodiscard]] bool in_bessel_datum() const { return ellipsoid.starts_with("Bessel"); }
     // Whether its datum step leads through an intermediate system.
     [[nodiscard]] bool has_two_stages() const;
+    [[nodiscard]] bool has_axes_of(const System& other) const;
+    [[nodiscard]] bool has_datum_sets_of(const System& other) const;
 };
 
 enum class Role { source, target };

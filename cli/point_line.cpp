@@ -61,15 +61,15 @@ LineReader::LineReader(const LineForm& lineForm)
 
 void LineReader::split(std::string_view line) {
     spans.clear();
-    const auto skip_blanks = [&](std::size_t at) {
+    const auto skipBlanks = [&](std::size_t at) {
         while (at < line.size() && is_blank(line[at])) {
             ++at;
         }
         return at;
     };
     if (form.delimiter == blanks) {
-        for (std::size_t at = skip_blanks(0); at < line.size() && spans.size() < wanted;
-             at = skip_blanks(at)) {
+        for (std::size_t at = skipBlanks(0); at < line.size() && spans.size() < wanted;
+             at = skipBlanks(at)) {
             const std::size_t begin = at;
             while (at < line.size() && !is_blank(line[at])) {
                 ++at;
