@@ -1,10 +1,12 @@
 // check: what is wrong with a data directory.
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <numbers>
 #include <optional>
 #include <set>
 #include <string>
@@ -12,6 +14,7 @@
 #include <vector>
 
 #include "anomaly_map.h"
+#include "closure.h"
 #include "commands.h"
 #include "data_lines.h"
 #include "directory.h"
@@ -20,7 +23,6 @@
 #include "height_model.h"
 #include "output.h"
 #include "platform.h"
-#include "trial.h"
 
 namespace cli {
 namespace {
@@ -47,7 +49,6 @@ void report_long_lines(const DataLines& lines, const std::string& file, Findings
 struct DefinitionText {
     int announced = 0;
     std::size_t linesBehindHead = 0;
-    std::vector<std::size_t> longLines;
 };
 
 // Nothing where the file cannot be read or has no head line; what is found is added to the findings.
@@ -58,12 +59,13 @@ std::optional<DefinitionText> read_definition_text(const std::string& directory,
     }
     DataLines lines(read_file(*path, textFileLimit));
     DefinitionText text;
-    if (!lines.next() || !Fields(lines.text()).integer(text.announced)) {
+    const bool hasHead = lines.next();
+    Fields head(lines.text());
+    if (!hasHead || !head.integer(text.announced)) {
         return std::nullopt;
     }
-    Fields head(lines.text());
     int scrambled = 0;
-    if (head.integer(text.announced) && head.integer(scrambled) && scrambled != 0 && scrambled != 1) {
+    if (head.integer(scrambled) && scrambled != 0 && scrambled != 1) {
         findings.defect("flag", "DEFAULT: the head line marks scrambled files by " +
                                     std::to_string(scrambled) + ", which counts as 0: plain");
     }
@@ -181,26 +183,14 @@ void check_parameter_text(const std::string& directory, const Definition& defini
 
 struct Examined {
     std::string file;
-    int code;
     System source;
     System target;
 };
 
 // Systems whose ellipsoids have one name are taken to lie in one datum.
 void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) {
-    constexpr std::size_t semiMajor = 24;
-    constexpr std::size_t semiMinor = 25;
-    constexpr std::size_t firstOfDatum = 14;
-    const auto same = [](const System& one, const System& other, std::size_t from, std::size_t to) {
-        const auto at = [](const System& system, std::size_t slot) {
-            return system.parameters.begin() + static_cast<std::ptrdiff_t>(slot);
-        };
-        return std::equal(at(one, from), at(one, to), at(other, from));
-    };
-    const auto sameDatum = [&same](const System& one, const System& other) {
-        return one.status != 0 || other.status != 0 ||
-               (same(one, other, firstOfDatum, semiMajor) &&
-                same(one, other, semiMinor + 1, LAGESTATUS_PARAMETER_COUNT));
+    const auto sameSets = [](const System& one, const System& other) {
+        return one.status != 0 || other.status != 0 || one.has_datum_sets_of(other);
     };
     for (std::size_t number = 0; number < systems.size(); ++number) {
         const Examined& one = systems[number];
@@ -215,10 +205,10 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
         }
         const std::string both =
             one.file + ": has the ellipsoid \"" + one.source.ellipsoid + "\" as " + other->file;
-        if (!same(one.source, other->source, semiMajor, semiMinor + 1)) {
+        if (!one.source.has_axes_of(other->source)) {
             findings.defect("ellipsoids", both + ", but other semi-axes");
         } else if (!one.source.in_bessel_datum() &&
-                   !(sameDatum(one.source, other->source) && sameDatum(one.target, other->target))) {
+                   !(sameSets(one.source, other->source) && sameSets(one.target, other->target))) {
             findings.note("ellipsoids",
                           both +
                               ", but another datum transformation: between systems of one ellipsoid name "
@@ -227,22 +217,44 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
     }
 }
 
+// Where points of a system are tried.
+Area area_of(const System& system) {
+    constexpr Range germanLatitudes = {47.0, 55.5, 18};
+    constexpr double degree = std::numbers::pi / 180.0;
+    const auto around = [](double middle, double reach, int count) {
+        return Range{middle - reach, middle + reach, count};
+    };
+    const double origin = system.parameters[slots::longitudeOfOrigin];
+    if (system.is(Kind::soldner)) {
+        constexpr double furthest = 89.0;  // short of the poles
+        constexpr double reach = 0.4375;
+        const double latitude = system.parameters[slots::latitudeOfOrigin] / degree;
+        return {around(std::clamp(latitude, -furthest, furthest), reach, 8), around(origin, reach, 8)};
+    }
+    if (system.is(Kind::gaussKrueger) && !zone_layout_of(system).strips) {
+        return {germanLatitudes, around(origin, 1.375, 12)};
+    }
+    return {germanLatitudes, {5.7, 15.2, 20}};
+}
+
 std::string millimetre_text(double metres) {
     constexpr double readable = 1e12;
     return metres < readable ? fixed_text(metres * millimetres, 4) : "very large";
 }
 
 // Carries points through one system; returned: the last cells of its row.
-std::vector<std::string> check_closure(const std::string& directory, const Examined& system,
-                                       Findings& findings) {
-    const Closures closures = closures_of(directory, system.source, system.target);
-    if (closures.unusualPlace) {
+std::vector<std::string> check_closure(const Examined& system, Findings& findings) {
+    constexpr double furthestLongitude = 85.0;  // none beyond 90 comes out of a datum transformation
+    const Area area = area_of(system.target);
+    if (!(std::abs(area.longitude.middle()) < furthestLongitude)) {
         findings.note("places", system.file + ": its meridian lies beyond 85°: no points were tried");
         return {"-"};
     }
-    for (const auto& [status, count] : closures.failures) {
-        findings.defect("closures", system.file + ": " + status_text(status, system.file) + " (" +
-                                        plural(count, "transformation") + " of points of its area)");
+    const Closures closures = closures_of({system.source, system.target}, area);
+    for (const auto& [status, failure] : closures.failures) {
+        findings.defect("closures", system.file + ": " + refusal_text(status, system.file) + " (" +
+                                        plural(failure.count, "point") + " of its area, the first at " +
+                                        failure.firstPlace + ")");
     }
     if (closures.outOfReach > 0) {
         const std::string what =
@@ -275,7 +287,7 @@ void check_systems(const std::string& directory, const Definition& definition, F
     std::vector<std::vector<std::string>> rows = {
         {"  code", "file", "source", "target", "largest closure, mm", "mean, mm", "points"}};
     for (const Entry& entry : definition.entries) {
-        systems.push_back({parameter_file_name(definition, entry), entry.code,
+        systems.push_back({parameter_file_name(definition, entry),
                            read_system(directory, definition, entry, Role::source),
                            read_system(directory, definition, entry, Role::target)});
         const Examined& system = systems.back();
@@ -299,7 +311,7 @@ void check_systems(const std::string& directory, const Definition& definition, F
             findings.defect("parameter files", error.what());
         }
         if (source == 0 && target == 0) {
-            const auto closure = check_closure(directory, system, findings);
+            const auto closure = check_closure(system, findings);
             row.insert(row.end(), closure.begin(), closure.end());
         } else {
             row.emplace_back("-");
@@ -394,7 +406,7 @@ void check_height_model(const std::string& directory, const std::string& map, Fi
     Rows rows = grid_rows(model, summary);
     if (model.wholeGrid) {
         const LibraryAnswers answers = ask_library(directory, model, name, findings);
-        rows.push_back({"  library", std::to_string(answers.asked) + " cells asked for, " +
+        rows.push_back({"  library", plural(answers.asked, "cell") + " asked for, " +
                                          std::to_string(answers.withValue) + " with a height anomaly"});
     }
     if (summary.plausible == 0) {

@@ -2,132 +2,143 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
+#include <optional>
+#include <utility>
 
 #include "directory.h"
-#include "numbers.h"
 #include "output.h"
 
 namespace cli {
 namespace {
 
-constexpr std::size_t semiMajor = 24;
-constexpr std::size_t semiMinor = 25;
-
-// Bessel 1841, EPSG:7004.
-constexpr double besselSemiMajorAxis = 6377397.155;
-constexpr double besselSemiMinorAxis = 6356078.962818189;
-
-// Calls use(latitude, longitude) for a grid over the area; what it throws gets the place.
-template <typename Use>
-void for_each_node(const Area& area, Use use) {
-    constexpr int steps = 20;
-    const auto between = [](double first, double last, int step) {
-        return first + (last - first) * step / steps;
-    };
-    for (int row = 0; row <= steps; ++row) {
-        for (int column = 0; column <= steps; ++column) {
-            const double latitude = between(area.south, area.north, row);
-            const double longitude = between(area.west, area.east, column);
-            try {
-                use(latitude, longitude);
-            } catch (const ClosureError& error) {
-                throw ClosureError("at " + number_text(latitude) + " N, " + number_text(longitude) +
-                                   " E: " + error.what());
-            }
-        }
-    }
+double distance(const Point& one, const Point& other) {
+    return std::hypot(other[0] - one[0], other[1] - one[1], other[2] - one[2]);
 }
 
-Point transformed(const Road& road, const Point& point) {
-    constexpr int answered = 1000;  // from here on the statuses concern heights that are not asked for
+void add_distance(Closure& closure, double metres) {
+    ++closure.points;
+    closure.largest = std::max(closure.largest, metres);
+    closure.mean += metres;  // the sum, to be divided in the end
+}
+
+// Tells whether a plane coordinate can be written without being taken for another: with a decadic complement d only
+// those within d / 2 of zero can.
+class Writable {
+  public:
+    Writable(const System& geographic, System target) : half(target.parameters[slots::complement] / 2) {
+        if (!(half > 0.0) || !(target.is(Kind::soldner) || target.is(Kind::gaussKrueger))) {
+            return;
+        }
+        target.parameters[slots::complement] = 0.0;
+        target.parameters[slots::constantY] = 0.0;
+        target.parameters[slots::constantX] = 0.0;
+        target.parameters[slots::planeScale] = 1.0;
+        road.emplace(".", geographic, target);
+    }
+
+    [[nodiscard]] bool operator()(const Point& place) const {
+        if (!road) {
+            return true;
+        }
+        const Point plane = carried(*road, place);
+        return std::abs(plane[0]) < half && std::abs(plane[1]) < half;
+    }
+
+  private:
+    double half;
+    std::optional<Road> road;
+};
+
+}  // namespace
+
+System neutral_system(const std::string& kind, const std::string& ellipsoid, double semiMajorAxis,
+                      double semiMinorAxis) {
+    System system;
+    system.kind = kind;
+    system.ellipsoid = ellipsoid;
+    for (const std::size_t scale :
+         {slots::meridianScale, slots::planeScale, slots::datumScale, slots::intermediateScale}) {
+        system.parameters.at(scale) = 1.0;
+    }
+    system.parameters[slots::semiMajorAxis] = semiMajorAxis;
+    system.parameters[slots::semiMinorAxis] = semiMinorAxis;
+    return system;
+}
+
+System of_kind(System system, const std::string& kind) {
+    system.kind = kind;
+    return system;
+}
+
+NotCarried::NotCarried(int refusal) : std::runtime_error(refusal_text(refusal, "")), refusedWith(refusal) {}
+
+std::string refusal_text(int status, const std::string& fileName) {
+    return status == 0 ? "the result is no finite number" : status_text(status, fileName);
+}
+
+Point carried(const Road& road, const Point& point) {
     const Transformed done = road.transform(point, {});
     const Point result = {done.result[0], done.result[1], done.result[2]};
-    if (done.status != 0 && done.status < answered) {
-        throw ClosureError(status_text(done.status, ""));
-    }
-    if (!std::all_of(result.begin(), result.end(), [](double value) { return std::isfinite(value); })) {
-        throw ClosureError("the result is no finite number");
+    const bool complete = done.status == 0 || done.status >= heightModelFrom;  // heights are not asked for
+    if (!complete ||
+        !std::all_of(result.begin(), result.end(), [](double value) { return std::isfinite(value); })) {
+        throw NotCarried(complete ? 0 : done.status);
     }
     return result;
 }
 
-}  // namespace
-
-System neutral_system(const std::string& ellipsoid, double semiMajorAxis, double semiMinorAxis) {
-    System system;
-    system.name = "-";
-    system.kind = "Geographisch";
-    system.ellipsoid = ellipsoid;
-    for (const std::size_t scale : {5U, 13U, 20U, 32U}) {
-        system.parameters.at(scale) = 1.0;
-    }
-    system.parameters[semiMajor] = semiMajorAxis;
-    system.parameters[semiMinor] = semiMinorAxis;
-    return system;
-}
-
-BothRoles geographic_of(BothRoles system) {
-    system.source.kind = "Geographisch";
-    system.target.kind = "Geographisch";
-    return system;
-}
-
 Point carried(const Point& point, const System& source, const System& target) {
-    return transformed(Road(".", source, target), point);
+    return carried(Road(".", source, target), point);
 }
 
-Point metres_between(const Point& from, const Point& to, double semiMajorAxis, double semiMinorAxis) {
-    constexpr double radian = std::numbers::pi / 180.0;
-    const double latitude = from[0] * radian;
-    const double ratio = semiMinorAxis / semiMajorAxis;
-    const double squaredEccentricity = 1.0 - ratio * ratio;
-    const double sine = std::sin(latitude);
-    const double W = std::sqrt(1.0 - squaredEccentricity * sine * sine);
-    const double acrossMeridian = semiMajorAxis / W;
-    const double alongMeridian = acrossMeridian * (1.0 - squaredEccentricity) / (W * W);
-    return {(to[1] - from[1]) * radian * acrossMeridian * std::cos(latitude),
-            (to[0] - from[0]) * radian * alongMeridian, to[2] - from[2]};
+std::string place_text(double latitude, double longitude) {
+    return number_text(latitude) + " N, " + number_text(longitude) + " E";
 }
 
-Closure closure_of(const BothRoles& system, const Area& area) {
-    const System bessel = neutral_system("Bessel", besselSemiMajorAxis, besselSemiMinorAxis);
-    const Road out(".", bessel, system.target);
-    const Road back(".", system.source, bessel);
+Closures closures_of(const BothRoles& system, const Area& area) {
     constexpr double height = 100.0;
-    constexpr double millimetres = 1000.0;
-    Closure closure;
-    double sum = 0.0;
-    for_each_node(area, [&](double latitude, double longitude) {
-        const Point start = {latitude, longitude, height};
-        const Point end = transformed(back, transformed(out, start));
-        const Point gap = metres_between(start, end, besselSemiMajorAxis, besselSemiMinorAxis);
-        const double distance = std::hypot(gap[0], gap[1], gap[2]) * millimetres;
-        closure.largest = std::max(closure.largest, distance);
-        sum += distance;
-        ++closure.points;
-    });
-    closure.mean = sum / closure.points;
-    return closure;
-}
+    const System bessel = neutral_system("Geozentrisch", "Bessel", 6377397.155, 6356078.962818189);
+    // Under a name that is not Bessel's the library asks for no heights, and between equal names makes no datum step.
+    BothRoles own = system;
+    own.source.ellipsoid = "own";
+    own.target.ellipsoid = "own";
+    const System geographic = of_kind(own.source, "Geographisch");
+    const System geocentric = of_kind(own.target, "Geozentrisch");
+    const Road start(".", geographic, geocentric);
+    const Road there(".", geographic, own.target);
+    const Road back(".", own.source, geocentric);
+    const Road intoBessel(".", system.source, bessel);
+    const Road outOfBessel(".", bessel, system.target);
+    const Writable writable(geographic, own.target);
 
-void check_eastings(const BothRoles& system, const Area& area) {
-    constexpr double million = 1e6;
-    constexpr double edge = 1e-6;  // degrees: at a strip's edge either neighbour will do
-    const ZoneLayout layout = zone_layout_of(system.source);
-    const Road road(".", geographic_of(system).source, system.target);
-    for_each_node(area, [&](double latitude, double longitude) {
-        const double easting = transformed(road, {latitude, longitude, 0.0})[1];
-        const double number = std::trunc(easting / million);
-        const bool right = layout.strips ? std::fabs(longitude - (layout.width * number + layout.offset)) <=
-                                               layout.width / 2.0 + edge
-                                         : number == system.target.zoneNumber;
-        if (!right) {
-            throw ClosureError("the easting is " + data_text(std::round(easting)) +
-                               ", which a reader takes for strip " + number_text(number) +
-                               ": eastings must not leave their million within the area of use (--area)");
+    Closures closures;
+    const auto tryPlace = [&](const Point& place) {
+        if (!writable(place)) {
+            ++closures.outOfReach;
+            return;
+        }
+        const Point point = carried(there, place);
+        const Point returned = carried(back, point);
+        add_distance(closures.own, distance(carried(start, place), returned));
+        if (!system.source.in_bessel_datum()) {
+            const Point again = carried(back, carried(outOfBessel, carried(intoBessel, point)));
+            add_distance(closures.bessel, distance(returned, again));
+        }
+    };
+    for_each_place(area, [&](double latitude, double longitude) {
+        try {
+            tryPlace({latitude, longitude, height});
+        } catch (const NotCarried& refused) {
+            Failure& failure = closures.failures[refused.status()];
+            if (failure.count++ == 0) {
+                failure.firstPlace = place_text(latitude, longitude);
+            }
         }
     });
+    for (Closure* const closure : {&closures.own, &closures.bessel}) {
+        closure->mean /= static_cast<double>(std::max<std::size_t>(closure->points, 1));
+    }
+    return closures;
 }
 
 }  // namespace cli

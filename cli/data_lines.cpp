@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <limits>
 #include <system_error>
-#include <type_traits>
 #include <utility>
 
 #include "platform.h"
+#include "scrambling.h"
 
 namespace cli {
 namespace {
@@ -103,8 +102,7 @@ char DataLines::restored(char stored) const {
     if (scramblingKey <= 0 || stored == '\n') {
         return stored;
     }
-    const auto shift = static_cast<std::uint32_t>(scramblingKey) - 1U;
-    return static_cast<char>(static_cast<unsigned char>(static_cast<unsigned char>(stored) - shift));
+    return LineShift(scramblingKey).restore(stored);
 }
 
 bool DataLines::skip_blanks() {
@@ -144,12 +142,9 @@ bool DataLines::next() {
         current = take_rest_of_line();
         if (scramblingKey > 0) {
             restoredLine = current;
-            const auto key = static_cast<std::uint32_t>(scramblingKey);
-            std::uint32_t place = 0;
+            LineShift shift(scramblingKey);
             for (char& byte : restoredLine) {
-                const std::uint32_t plain = static_cast<unsigned char>(byte) - key + 1U + place;
-                byte = byte == '\n' ? '\n' : static_cast<char>(static_cast<unsigned char>(plain));
-                place = place + 1 == key ? 0 : place + 1;
+                byte = byte == '\n' ? '\n' : shift.restore(byte);
             }
             current = restoredLine;
         }

@@ -26,7 +26,9 @@ class InputFile {
   public:
     InputFile() noexcept;  // standard input
     explicit InputFile(const std::string& path);
+    InputFile(const InputFile&) = delete;
     InputFile(InputFile&& other) noexcept;
+    InputFile& operator=(const InputFile&) = delete;
     InputFile& operator=(InputFile&&) = delete;
     ~InputFile();
 

@@ -4,9 +4,11 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 
+#include "closure.h"
 #include "data_lines.h"
 #include "directory.h"
 #include "output.h"
@@ -26,6 +28,9 @@ constexpr int statusFileEnds = 100;
 constexpr int statusLongitudes = 106;
 constexpr int statusLatitudes = 107;
 constexpr int statusNoValue = 109;
+
+constexpr const char* effectOfNothing =
+    ": all height anomalies are 0, and normal heights outside the Bessel datum fail with status 1100";
 
 enum class Sign { any, notNegative, positive };
 
@@ -130,14 +135,12 @@ class Reading {
         }
         model.key = lines.key();
         if (model.key < 0) {
-            findings.defect("key",
-                            fileName +
-                                ": the key is negative: the library reads nothing behind it and takes all "
-                                "height anomalies for 0");
+            findings.defect("key", fileName + ": the key is negative: the library reads nothing behind it" +
+                                       effectOfNothing);
             return;
         }
         if (!lines.next()) {
-            findings.note("empty", fileName + ": no data line: all height anomalies are 0");
+            findings.note("empty", fileName + ": no data line" + effectOfNothing);
             return;
         }
         if (!read_header(model)) {
@@ -420,34 +423,20 @@ int expected_status(const HeightModel& model, std::int64_t first) {
     return 0;
 }
 
-System model_system(const std::string& ellipsoid, double a, double b) {
-    System system;
-    system.kind = "Geographisch";
-    system.ellipsoid = ellipsoid;
-    system.parameters[24] = a;
-    system.parameters[25] = b;
-    system.parameters[20] = 1.0;
-    system.parameters[32] = 1.0;
-    return system;
-}
-
 // From the Bessel datum to that of the height model, as its file says.
 Road road_to_model(const std::string& directory, const System& bessel, const HeightModel& model) {
-    System grid = model_system("Grid", model.header[2], model.header[3]);
-    // Where the header's values stand among the parameters: Y comes before X there.
-    constexpr std::array<std::size_t, 20> slots = {15, 14, 16, 17, 18, 19, 20, 22, 21, 23,
-                                                   27, 26, 28, 29, 30, 31, 32, 34, 33, 35};
+    System grid = neutral_system("Geographisch", "Grid", model.header[2], model.header[3]);
     constexpr std::size_t firstOfDatum = 4;
-    for (std::size_t index = 0; index < slots.size(); ++index) {
-        grid.parameters[slots[index]] = model.header[firstOfDatum + index];
+    for (std::size_t index = 0; index < slots::datumSets.size(); ++index) {
+        grid.parameters.at(slots::datumSets.at(index)) = model.header.at(firstOfDatum + index);
     }
     return {directory, bessel, grid};
 }
 
 // The latitude and longitude on Bessel that a road leads to a place of the grid; nothing if it cannot be found.
-std::optional<std::array<double, 3>> on_bessel(const Road& road, const std::array<double, 2>& place,
-                                               const HeightModel& model, int& status) {
-    std::array<double, 3> point = {place[0], place[1], 0.0};
+std::optional<Point> on_bessel(const Road& road, const std::array<double, 2>& place, const HeightModel& model,
+                               int& status) {
+    Point point = {place[0], place[1], 0.0};
     constexpr int passes = 20;
     for (int pass = 0; pass < passes; ++pass) {
         const Transformed reached = road.transform(point, {});
@@ -472,38 +461,45 @@ std::optional<std::array<double, 3>> on_bessel(const Road& road, const std::arra
 
 LibraryAnswers ask_library(const std::string& directory, const HeightModel& model,
                            const std::string& fileName, Findings& findings) {
-    constexpr int perAxis = 5;
+    constexpr int steps = 4;
     LibraryAnswers answers;
-    const System bessel = model_system("Bessel", model.header[0], model.header[1]);
+    const System bessel = neutral_system("Geographisch", "Bessel", model.header[0], model.header[1]);
     const Road toModel = road_to_model(directory, bessel, model);
     const Road itself(directory, bessel, bessel);
     const std::int64_t columns = model.longitude.count;
     const std::int64_t rows = model.latitude.count;
     int unreached = 0;
     int lastFailure = 0;
-    for (int cell = 0; cell < perAxis * perAxis && columns > 1 && rows > 1; ++cell) {
-        // The cells' numbers begin with 0 and end one short of the last column or row.
-        const std::int64_t column = (columns - 2) * (cell % perAxis) / (perAxis - 1);
-        const std::int64_t row = (rows - 2) * (cell / perAxis) / (perAxis - 1);
-        const std::array<double, 2> place = {model.latitude.at(row) + model.latitude.spacing / 2,
-                                             model.longitude.at(column) + model.longitude.spacing / 2};
-        int status = 0;
-        const auto point = on_bessel(toModel, place, model, status);
-        if (!point) {
-            ++unreached;
-            lastFailure = status;
-            continue;
+    // Cells from the first to the last, at equal distances, as far as there are so many.
+    const auto cells = [](std::int64_t nodes) {
+        std::set<std::int64_t> chosen;
+        for (int number = 0; number <= steps && nodes > 1; ++number) {
+            chosen.insert((nodes - 2) * number / steps);
         }
-        ++answers.asked;
-        const int expected = expected_status(model, columns * row + column);
-        answers.withValue += expected == 0 ? 1 : 0;
-        const int answered = itself.transform(*point, {false, true}).status;
-        if (answered != expected) {
-            findings.defect("library",
-                            fileName + ": at " + fixed_text(place[0], 5) + "° N " + fixed_text(place[1], 5) +
-                                "° E status " + std::to_string(expected) +
-                                " was to be expected, but the library says " +
-                                (answered == 0 ? std::string("0") : status_text(answered, fileName)));
+        return chosen;
+    };
+    for (const std::int64_t row : cells(rows)) {
+        for (const std::int64_t column : cells(columns)) {
+            const std::array<double, 2> place = {model.latitude.at(row) + model.latitude.spacing / 2,
+                                                 model.longitude.at(column) + model.longitude.spacing / 2};
+            int status = 0;
+            const auto point = on_bessel(toModel, place, model, status);
+            if (!point) {
+                ++unreached;
+                lastFailure = status;
+                continue;
+            }
+            ++answers.asked;
+            const int expected = expected_status(model, columns * row + column);
+            answers.withValue += expected == 0 ? 1 : 0;
+            const int answered = itself.transform(*point, {false, true}).status;
+            if (answered != expected) {
+                findings.defect("library",
+                                fileName + ": at " + fixed_text(place[0], 5) + "° N " +
+                                    fixed_text(place[1], 5) + "° E status " + std::to_string(expected) +
+                                    " was to be expected, but the library says " +
+                                    (answered == 0 ? std::string("0") : status_text(answered, fileName)));
+            }
         }
     }
     if (answers.asked == 0 && unreached > 0) {

@@ -74,8 +74,8 @@ GridSummary summary_of(const HeightModel& model);
 
 // Asks the library for height anomalies in cells all over the grid.
 struct LibraryAnswers {
-    int asked = 0;
-    int withValue = 0;
+    std::size_t asked = 0;
+    std::size_t withValue = 0;
 };
 LibraryAnswers ask_library(const std::string& directory, const HeightModel& model,
                            const std::string& fileName, Findings& findings);

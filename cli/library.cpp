@@ -181,11 +181,29 @@ bool System::is(Kind which) const {
     return kind.starts_with("Soldner");
 }
 
+bool System::has_two_stages() const {
+    constexpr std::size_t firstOfIntermediate = 10;
+    constexpr std::size_t switches = 6;
+    const auto* const first = slots::datumSets.begin() + firstOfIntermediate;
+    return std::any_of(first, first + switches,
+                       [this](std::size_t slot) { return parameters.at(slot) != 0.0; });
+}
+
+bool System::has_axes_of(const System& other) const {
+    return parameters[slots::semiMajorAxis] == other.parameters[slots::semiMajorAxis] &&
+           parameters[slots::semiMinorAxis] == other.parameters[slots::semiMinorAxis];
+}
+
+bool System::has_datum_sets_of(const System& other) const {
+    return std::all_of(slots::datumSets.begin(), slots::datumSets.end(),
+                       [&](std::size_t slot) { return parameters.at(slot) == other.parameters.at(slot); });
+}
+
 ZoneLayout zone_layout_of(const System& system) {
     constexpr double fullCircle = 360.0;
     constexpr double offsetZero = 600.0;
     constexpr double largest = 1e9;  // far beyond every layout, and within an int
-    const double value = system.parameters[1];
+    const double value = system.parameters[slots::longitudeOfOrigin];
     if (!(value > fullCircle) || value > largest) {
         return {};
     }

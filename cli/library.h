@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,25 @@ struct Definition {
     std::vector<Entry> entries;
 };
 
+// Places in the array of parameters.
+namespace slots {
+inline constexpr std::size_t latitudeOfOrigin = 0;
+inline constexpr std::size_t longitudeOfOrigin = 1;
+inline constexpr std::size_t complement = 4;
+inline constexpr std::size_t meridianScale = 5;
+inline constexpr std::size_t constantY = 9;
+inline constexpr std::size_t constantX = 10;
+inline constexpr std::size_t planeScale = 13;
+inline constexpr std::size_t datumScale = 20;
+inline constexpr std::size_t semiMajorAxis = 24;
+inline constexpr std::size_t semiMinorAxis = 25;
+inline constexpr std::size_t intermediateScale = 32;
+// The main set and the intermediate set, each in the order of data files: translation in X, Y, Z, rotation about X, Y,
+// Z, scale, reduction point in X, Y, Z.
+inline constexpr std::array<std::size_t, 20> datumSets = {15, 14, 16, 17, 18, 19, 20, 22, 21, 23,
+                                                          27, 26, 28, 29, 30, 31, 32, 34, 33, 35};
+}  // namespace slots
+
 enum class Kind { geographic, geocentric, gaussKrueger, soldner };
 
 struct System {
@@ -34,6 +54,10 @@ struct System {
 
     [[nodiscard]] bool is(Kind which) const;
     [[nodiscard]] bool in_bessel_datum() const { return ellipsoid.starts_with("Bessel"); }
+    // Whether its datum step leads through an intermediate system.
+    [[nodiscard]] bool has_two_stages() const;
+    [[nodiscard]] bool has_axes_of(const System& other) const;
+    [[nodiscard]] bool has_datum_sets_of(const System& other) const;
 };
 
 enum class Role { source, target };

@@ -1,9 +1,9 @@
 #include "parameter_text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 
+#include "data_lines.h"
 #include "numbers.h"
 
 namespace cli {
@@ -63,7 +63,7 @@ class Writer {
     int number = 0;
 };
 
-std::string quoted(const std::string& text) {
+std::string in_quotes(const std::string& text) {
     return '"' + text + '"';
 }
 
@@ -74,16 +74,31 @@ bool Similarity::is_seen_as_intermediate() const {
     return translation != none || rotation != none;
 }
 
+Similarity main_set_of(const System& system) {
+    const auto value = [&system](std::size_t at) { return system.parameters.at(slots::datumSets.at(at)); };
+    return {{value(0), value(1), value(2)},
+            {value(3), value(4), value(5)},
+            value(6),
+            {value(7), value(8), value(9)}};
+}
+
+void set_main_set(System& system, const Similarity& set) {
+    const SetValues values = values_of(set);
+    for (std::size_t at = 0; at < values.size(); ++at) {
+        system.parameters.at(slots::datumSets.at(at)) = values.at(at);
+    }
+}
+
 std::string text_of(const ParameterText& content) {
     Writer file;
     file.comments(content.headComments);
     file.comment("Jede Zeile, die mit \"#\" beginnt, ist Kommentar. Zeichensatz ISO 8859-1.");
     file.empty_line();
     file.line("Lagestatus", std::to_string(content.code));
-    file.line("Bezeichnung des Systems", quoted(content.name));
+    file.line("Bezeichnung des Systems", in_quotes(content.name));
     file.line("Bezeichnung des Ellipsoids (höchstens 10 Zeichen; beginnt mit \"Bessel\": Besseldatum)",
-              quoted(content.ellipsoid));
-    file.line("Abbildungsart", quoted(content.kind));
+              in_quotes(content.ellipsoid));
+    file.line("Abbildungsart", in_quotes(content.kind));
     file.line("Breite des Nullpunkts in Grad", content.latitudeOfOrigin);
     file.comments(content.originComments);
     file.line("Länge des Nullpunkts in Grad", content.longitudeOfOrigin);
@@ -110,45 +125,32 @@ std::string text_of(const ParameterText& content) {
     return file.text();
 }
 
-System system_of(std::string_view text, Role role) {
-    // Where the data lines 5 to 40 go; Y comes before X in the parameter array.
-    constexpr std::array<std::size_t, LAGESTATUS_PARAMETER_COUNT> slotOfLine = {
-        0,  1,  9,  10, 4,  5,  6,  7,  8,  2,  3,  11, 12, 13, 24, 25, 15, 14,
-        16, 17, 18, 19, 20, 22, 21, 23, 27, 26, 28, 29, 30, 31, 32, 34, 33, 35};
-    constexpr std::size_t quotedLines = 4;  // the code and three texts
-    constexpr std::size_t firstOfTwoColumns = 16;
+System system_of(const std::string& text, Role role) {
+    // Where the data lines 5 to 20 go; behind them come the datum sets.
+    constexpr std::array<std::size_t, 16> slotOfLine = {0, 1, 9, 10, 4, 5, 6, 7, 8, 2, 3, 11, 12, 13, 24, 25};
     constexpr double radian = 0.0174532925199433;  // as the library has it
 
     System system;
-    std::array<std::string, quotedLines> texts;
-    std::size_t count = 0;
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(line.size() + 1, text.size()));
-        if (line.empty() || line.front() == '#') {
-            continue;
-        }
-        if (count < quotedLines) {
-            texts.at(count++) = line;
-            continue;
-        }
-        const std::size_t index = count++ - quotedLines;
-        const std::size_t second = line.find_first_not_of(' ', line.find(' '));
-        std::string_view used = line;
-        if (index >= firstOfTwoColumns && role == Role::target) {
-            used = line.substr(second);
-        } else if (index == 1 && second != std::string_view::npos) {
-            system.zoneNumber = integer_of(line.substr(second)).value();
-        }
-        system.parameters.at(slotOfLine.at(index)) = number_of(used.substr(0, used.find(' '))).value();
+    DataLines lines(text);
+    lines.next();  // the code
+    for (std::string* const words : {&system.name, &system.ellipsoid, &system.kind}) {
+        lines.next();
+        *words = quoted(lines.text()).value();
     }
-    const auto unquoted = [](const std::string& quotedText) {
-        return quotedText.substr(1, quotedText.size() - 2);
-    };
-    system.name = unquoted(texts[1]);
-    system.ellipsoid = unquoted(texts[2]);
-    system.kind = unquoted(texts[3]);
-    system.parameters[0] *= radian;
+    for (std::size_t index = 0; lines.next(); ++index) {
+        const bool twoColumns = index >= slotOfLine.size();
+        const std::size_t slot =
+            twoColumns ? slots::datumSets.at(index - slotOfLine.size()) : slotOfLine.at(index);
+        double& value = system.parameters.at(slot);
+        Fields fields(lines.text());
+        fields.number(value);
+        if (twoColumns && role == Role::target) {
+            fields.number(value);
+        } else if (slot == slots::longitudeOfOrigin) {
+            fields.integer(system.zoneNumber);
+        }
+    }
+    system.parameters[slots::latitudeOfOrigin] *= radian;
     return system;
 }
 

@@ -26,6 +26,10 @@ struct Similarity {
     [[nodiscard]] bool changes_nothing() const { return *this == Similarity(); }
 };
 
+// The set of the first stage in a system's parameters.
+Similarity main_set_of(const System& system);
+void set_main_set(System& system, const Similarity& set);
+
 // One column: the main set leads to where the intermediate set leads from the end of the way; that is undone.
 struct DatumStep {
     Similarity main;
@@ -58,7 +62,7 @@ struct ParameterText {
 std::string text_of(const ParameterText& content);
 
 // What the library reads from such a text.
-System system_of(std::string_view text, Role role);
+System system_of(const std::string& text, Role role);
 
 // The text in ISO 8859-1; nothing if it has other characters.
 std::optional<std::string> latin1(std::string_view utf8);

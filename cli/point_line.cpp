@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <system_error>
 
 #include "angle_text.h"
+#include "numbers.h"
 
 namespace cli {
 namespace {
@@ -15,15 +15,6 @@ constexpr std::string_view blankCharacters = " \t\v\f";
 bool is_blank(char character) {
     return character <= ' ' &&
            (character == ' ' || character == '\t' || character == '\v' || character == '\f');
-}
-
-// The whole field as a finite number; its decimal mark is a point.
-bool read_number(std::string_view field, double& value) {
-    if (field.starts_with('+') && !field.starts_with("+-")) {
-        field.remove_prefix(1);
-    }
-    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
-    return error == std::errc() && end == field.data() + field.size() && std::isfinite(value);
 }
 
 // Whether a field is meant as a number, however it goes on.
@@ -164,7 +155,8 @@ bool LineReader::read_coordinate(std::string_view field, std::size_t part, doubl
         std::replace(withPoint.begin(), withPoint.end(), ',', '.');
         field = withPoint;
     }
-    if (read_number(field, value)) {
+    if (const std::optional<double> number = number_of(field)) {
+        value = *number;
         return true;
     }
     constexpr std::size_t heightPart = 2;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <limits>
+
+#include "data_lines.h"
 
 namespace cli {
 namespace {
@@ -14,39 +14,9 @@ constexpr std::size_t pieceLimit = 999;  // characters of a line that a reader t
     throw ScramblingError("line " + std::to_string(line) + ": " + reason, dueToKey);
 }
 
-// Those of the "C" locale.
-bool is_blank(char character) {
-    return character == ' ' || (character >= '\t' && character <= '\r');
-}
-bool is_digit(char character) {
-    return character >= '0' && character <= '9';
-}
-
 std::size_t line_feeds_in(std::string_view text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
-
-// The shift of a line's characters, position after position.
-class Shift {
-  public:
-    explicit Shift(int positiveKey) : key(static_cast<std::uint32_t>(positiveKey)) {}
-
-    char store(char plain) { return byte(static_cast<unsigned char>(plain) + next()); }
-    char restore(char stored) { return byte(static_cast<unsigned char>(stored) - next()); }
-
-  private:
-    std::uint32_t next() {
-        const std::uint32_t amount = key - 1 - place;
-        place = place + 1 == key ? 0 : place + 1;
-        return amount;
-    }
-    static char byte(std::uint32_t value) {
-        return static_cast<char>(static_cast<unsigned char>(value & 0xFFU));
-    }
-
-    std::uint32_t key;
-    std::uint32_t place = 0;
-};
 
 // What stands ahead of the lines: blanks, sign and digits of the key, the end of its line.
 struct Head {
@@ -60,27 +30,18 @@ struct Head {
 };
 
 Head head_of(std::string_view bytes) {
-    constexpr std::int64_t largest = std::numeric_limits<int>::max();
     Head head;
-    std::size_t at = 0;
-    while (at < bytes.size() && is_blank(bytes[at])) {
-        ++at;
+    Fields fields(bytes);
+    if (!fields.integer(head.key)) {
+        fail(1, "the file does not begin with its key, a whole number");
     }
-    const bool negative = at < bytes.size() && bytes[at] == '-';
-    at += at < bytes.size() && (negative || bytes[at] == '+') ? 1 : 0;
-    head.ahead = bytes.substr(0, at);
-    std::int64_t magnitude = 0;
-    while (at < bytes.size() && is_digit(bytes[at])) {
-        magnitude = std::min(magnitude * 10 + (bytes[at++] - '0'), largest);
-    }
-    head.digits = bytes.substr(head.ahead.size(), at - head.ahead.size());
-    head.key = static_cast<int>(negative ? -magnitude : magnitude);
-    head.behind = bytes.substr(at, bytes.substr(at).starts_with("\r\n") ? 2 : 1);
-    head.rest = bytes.substr(at + head.behind.size());
-    if (head.digits.empty()) {
-        fail(1 + line_feeds_in(head.ahead), "the file does not begin with its key, a whole number");
-    }
-    if (head.behind.empty() || (head.digits == "0" && (head.behind == "x" || head.behind == "X"))) {
+    const std::size_t end = bytes.size() - fields.rest().size();
+    const std::size_t digits = bytes.find_first_of("0123456789");
+    head.ahead = bytes.substr(0, digits);
+    head.digits = bytes.substr(digits, end - digits);
+    head.behind = bytes.substr(end, fields.rest().starts_with("\r\n") ? 2 : 1);
+    head.rest = bytes.substr(end + head.behind.size());
+    if (head.behind.empty()) {
         fail(1 + line_feeds_in(head.ahead), "the key is not followed by the end of its line");
     }
     return head;
@@ -108,7 +69,7 @@ void check_length(std::size_t number, std::string_view text, bool comment) {
 }
 
 std::string stored_text(std::size_t number, std::string_view plain, std::string_view end, int key) {
-    Shift shift(key);
+    LineShift shift(key);
     std::string stored;
     for (const char character : plain) {
         if (character == '\0') {
@@ -120,7 +81,7 @@ std::string stored_text(std::size_t number, std::string_view plain, std::string_
                  true);
         }
         if (stored.size() == 1 && plain.front() == '#') {
-            shift = Shift(key);
+            shift = LineShift(key);
         }
     }
     if (end == "\n" && stored.ends_with('\r')) {
@@ -145,7 +106,7 @@ std::string stored_lines(std::string_view plain, std::size_t firstNumber, int ke
 std::string plain_lines(std::string_view stored, std::size_t firstNumber, int key) {
     std::string plain;
     const auto add = [&plain, key](std::size_t number, std::string_view text, std::string_view end) {
-        Shift shift(key);
+        LineShift shift(key);
         bool ahead = true;  // of the first character that is not blank, where a reader begins to count
         bool comment = false;
         for (const char character : text) {
@@ -156,7 +117,7 @@ std::string plain_lines(std::string_view stored, std::size_t firstNumber, int ke
             plain += restored;
             comment = comment || (ahead && restored == '#');
             if (ahead && (is_blank(restored) || restored == '#')) {
-                shift = Shift(key);
+                shift = LineShift(key);
             }
             ahead = ahead && is_blank(restored);
         }
@@ -176,9 +137,7 @@ std::string scrambled_unchecked(std::string_view plain, int key, FileForm form) 
     }
     const Head head = head_of(plain);
     if (head.key != 0) {
-        throw ScramblingError("is scrambled already, with key " + std::string(head.key < 0 ? "-" : "") +
-                                  std::string(head.digits),
-                              false);
+        throw ScramblingError("is scrambled already, with key " + std::to_string(head.key), false);
     }
     if (head.digits != "0" || head.ahead.ends_with('-')) {
         fail(1 + line_feeds_in(head.ahead), "the key of a plain file must be written as 0");

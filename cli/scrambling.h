@@ -6,6 +6,7 @@
 // are.
 #pragma once
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -15,6 +16,28 @@ namespace cli {
 enum class FileForm {
     parameters,   // has its key only when it is scrambled
     heightModel,  // always begins with its key; 0: plain
+};
+
+// What a line's characters are shifted by, position after position. The key is positive.
+class LineShift {
+  public:
+    explicit LineShift(int positiveKey) : key(static_cast<std::uint32_t>(positiveKey)) {}
+
+    char store(char plain) { return byte(static_cast<unsigned char>(plain) + next()); }
+    char restore(char stored) { return byte(static_cast<unsigned char>(stored) - next()); }
+
+  private:
+    std::uint32_t next() {
+        const std::uint32_t amount = key - 1 - place;
+        place = place + 1 == key ? 0 : place + 1;
+        return amount;
+    }
+    static char byte(std::uint32_t value) {
+        return static_cast<char>(static_cast<unsigned char>(value & 0xFFU));
+    }
+
+    std::uint32_t key;
+    std::uint32_t place = 0;
 };
 
 // A text that cannot be scrambled, or scrambled text that cannot be told.

@@ -144,7 +144,7 @@ int list_systems(const std::string& directory, bool asJson) {
 // What the longitude of origin says, in the words of surveyors.
 std::string zone_layout(const System& system) {
     const ZoneLayout layout = zone_layout_of(system);
-    const double value = system.parameters[1];
+    const double value = system.parameters[slots::longitudeOfOrigin];
     if (!layout.strips) {
         const std::string prefix =
             system.zoneNumber != 0 ? ", Kennziffer " + std::to_string(system.zoneNumber) : "";
@@ -156,19 +156,11 @@ std::string zone_layout(const System& system) {
     return "Streifen " + width + ", Mittelmeridian " + width + "·z" + offset;
 }
 
-constexpr std::array<int, 6> intermediateSwitches = {26, 27, 28, 29, 30, 31};
-
-bool has_two_stages(const System& system) {
-    return std::any_of(intermediateSwitches.begin(), intermediateSwitches.end(), [&system](int slot) {
-        return system.parameters[static_cast<std::size_t>(slot)] != 0.0;
-    });
-}
-
 std::string stages(const System& system) {
     if (system.in_bessel_datum()) {
         return "none: lies in the Bessel datum";
     }
-    return has_two_stages(system) ? "two stages" : "one stage";
+    return system.has_two_stages() ? "two stages" : "one stage";
 }
 
 int show_system(const std::string& directory, int code, bool asJson) {
@@ -192,10 +184,10 @@ int show_system(const std::string& directory, int code, bool asJson) {
         if (source.is(Kind::gaussKrueger)) {
             json["zone_layout"] = zone_layout(source);
         }
-        json["stages_into_bessel"] = source.in_bessel_datum() ? 0 : has_two_stages(source) ? 2 : 1;
+        json["stages_into_bessel"] = source.in_bessel_datum() ? 0 : source.has_two_stages() ? 2 : 1;
         json["stages_out_of_bessel"] = named.sourceOnly           ? Json()
                                        : source.in_bessel_datum() ? Json(0)
-                                                                  : Json(has_two_stages(target) ? 2 : 1);
+                                                                  : Json(target.has_two_stages() ? 2 : 1);
         json["parameters"] = Json::array();
         for (std::size_t slot = 0; slot < slots.size(); ++slot) {
             json["parameters"].push_back(
