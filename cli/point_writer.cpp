@@ -310,7 +310,7 @@ std::string PointWriter::reason_of(int status) const {
                    message(status, status >= heightModelFrom ? modelFileName : targetFileName));
 }
 
-std::string PointWriter::encoded(std::string text) const {
+std::string PointWriter::encoded(const std::string& text) const {
     return options.latin1 ? latin1(text).value_or(text) : text;
 }
 

@@ -90,7 +90,7 @@ class PointWriter {
     [[nodiscard]] bool writes_normal(const PointLine& read) const;
     [[nodiscard]] Texts names() const;
     [[nodiscard]] std::string reason_of(int status) const;
-    [[nodiscard]] std::string encoded(std::string text) const;
+    [[nodiscard]] std::string encoded(const std::string& text) const;
 
     RunOptions options;
     const System& source;
