@@ -11,7 +11,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
+#include <cstdint>
 #include <string_view>
 
 namespace cli {
@@ -72,7 +74,7 @@ namespace {
 
 // Shared, so that the file can be removed while it is open.
 int open_shared(const std::string& path, DWORD access, DWORD disposition) {
-    const HANDLE handle =
+    void* const handle =
         CreateFileW(to_wide(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
@@ -82,8 +84,7 @@ int open_shared(const std::string& path, DWORD access, DWORD disposition) {
                                                                                    : EACCES;
         return -1;
     }
-    return _open_osfhandle(reinterpret_cast<std::intptr_t>(handle),
-                           _O_BINARY | (access == GENERIC_READ ? _O_RDONLY : 0));
+    return _open_osfhandle(std::bit_cast<std::intptr_t>(handle), _O_BINARY);
 }
 
 // What one call of the runtime takes.
