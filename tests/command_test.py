@@ -97,9 +97,15 @@ class Case:
 
     def do_run(self, rest, lines, command, work, windows):
         arguments = [decoded(part).decode() for part in shlex.split(rest)]
-        done = subprocess.run([*command, *arguments], cwd=work, input=joined([text for _, text in lines["<"]]),
-                              capture_output=True, timeout=TIME_LIMIT)
-        out, err = done.stdout, done.stderr
+        # Files and not pipes: what an emulator leaves running would hold those open.
+        with tempfile.TemporaryFile() as stdout, tempfile.TemporaryFile() as stderr, tempfile.TemporaryFile() as stdin:
+            stdin.write(joined([text for _, text in lines["<"]]))
+            stdin.seek(0)
+            done = subprocess.run([*command, *arguments], cwd=work, stdin=stdin, stdout=stdout, stderr=stderr,
+                                  timeout=TIME_LIMIT, check=False)
+            for stream in (stdout, stderr):
+                stream.seek(0)
+            out, err = stdout.read(), stderr.read()
         if windows:
             err = err.replace(b"\r\n", b"\n")
             if arguments[:1] != ["transform"]:  # which keeps the line ends that it finds
