@@ -108,7 +108,8 @@ class Case:
             out, err = stdout.read(), stderr.read()
         if windows:
             err = err.replace(b"\r\n", b"\n")
-            if arguments[:1] != ["transform"]:  # which keeps the line ends that it finds
+            keeps_line_ends = arguments[:1] == ["transform"] or "-" in arguments
+            if not keeps_line_ends:
                 out = out.replace(b"\r\n", b"\n")
         wanted = int(lines["="][0][1]) if lines["="] else 0
         status = None if done.returncode == wanted else f"exit status {done.returncode}, not {wanted}\n"
