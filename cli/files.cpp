@@ -1,7 +1,5 @@
 #include "files.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>

@@ -1,13 +1,11 @@
 // transform: carries points from one system into another.
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
