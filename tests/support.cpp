@@ -252,8 +252,8 @@ std::string scrambled(const std::vector<std::string>& lines, int key) {
 }
 
 Listing list(const std::string& directory, std::size_t names) {
-    Buffer<int> flag(1, -9), count(1, -9), codes(100), auxiliary(100);
-    Buffer<char16_t> slots(100 * 100, u'x');
+    Buffer<int> flag(1, -9), count(1, -9), codes(100, -9), auxiliary(100, -9);
+    Buffer<char16_t> slots(100 * 100, textFill);
     Listing listing;
     listing.status = translD_dll(text(directory).get(), flag.get(), count.get(), codes.get(), auxiliary.get(),
                                  slots.get());
@@ -261,9 +261,9 @@ Listing list(const std::string& directory, std::size_t names) {
     listing.count = count.values()[0];
     std::ranges::copy(codes.values(), listing.codes.begin());
     std::ranges::copy(auxiliary.values(), listing.auxiliary.begin());
-    const std::vector<char16_t> units = slots.values();
+    listing.slots = slots.values();
     for (std::size_t slot = 0; slot < names; ++slot) {
-        const auto begin = units.begin() + static_cast<std::ptrdiff_t>(slot * 100);
+        const auto begin = listing.slots.begin() + static_cast<std::ptrdiff_t>(slot * 100);
         listing.names.push_back(narrow({begin, begin + 100}));
     }
     return listing;
@@ -271,7 +271,7 @@ Listing list(const std::string& directory, std::size_t names) {
 
 Description describe(Role role, const std::string& directory, const std::string& base, int scrambledFlag,
                      int code) {
-    Buffer<char16_t> name(100, u'x'), ellipsoid(11, u'x'), kind(14, u'x'), dir = text(directory),
+    Buffer<char16_t> name(100, textFill), ellipsoid(11, textFill), kind(14, textFill), dir = text(directory),
                                                                            file = text(base);
     Buffer<double> parameters(36, untouched);
     Buffer<int> zone(1, -9);
@@ -291,8 +291,8 @@ Description describe(Role role, const std::string& directory, const std::string&
 
 Transformed transform(const std::string& directory, int from, int to, const std::array<double, 3>& point,
                       char heightMode) {
-    Buffer<char16_t> sourceName(100, u'x'), sourceEllipsoid(11, u'x'), sourceKind(14, u'x');
-    Buffer<char16_t> targetName(100, u'x'), targetEllipsoid(11, u'x'), targetKind(14, u'x');
+    Buffer<char16_t> sourceName(100, textFill), sourceEllipsoid(11, textFill), sourceKind(14, textFill);
+    Buffer<char16_t> targetName(100, textFill), targetEllipsoid(11, textFill), targetKind(14, textFill);
     Buffer<double> result(4, untouched);
     Buffer<int> auxiliary(2);
     Transformed done;

@@ -139,11 +139,13 @@ std::string join(const std::vector<std::string>& lines, std::string_view lineEnd
 std::string scrambled(const std::vector<std::string>& lines, int key);
 
 constexpr double untouched = -4711.0;  // what arrays hold before a call
+inline char16_t textFill = u'x';       // and texts: two calls with two of them tell what was written
 
 struct Listing {
     int status = 0, flag = -9, count = -9;
     std::array<int, 100> codes = {}, auxiliary = {};
     std::vector<std::string> names;  // of the first entries, as many as asked for
+    std::vector<char16_t> slots;     // all names as they were written
 };
 Listing list(const std::string& directory, std::size_t names = 0);
 
