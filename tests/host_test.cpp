@@ -3,6 +3,8 @@
 #include <clocale>
 #include <cstdint>
 #include <cstdlib>
+#include <fstream>
+#include <thread>
 
 #include "interface/float_environment.h"
 #include "support.h"
@@ -42,7 +44,8 @@ std::vector<std::uint64_t> everything(const Calls& calls) {
     std::vector<std::uint64_t> all;
     const auto keep = [&all](int status, const auto& values) {
         all.push_back(static_cast<std::uint64_t>(status));
-        for (const double value : values) {
+        for (const auto item : values) {
+            const auto value = static_cast<double>(item);
             all.push_back(std::bit_cast<std::uint64_t>(value));
         }
     };
@@ -56,6 +59,11 @@ std::vector<std::uint64_t> everything(const Calls& calls) {
         keep_transformed(code, next, place, 'e');
         keep_transformed(code, next, place, 'n');
         keep_transformed(code, next, {notANumber, place[1], infinity}, 'n');
+    }
+    for (const char* directory : {SAMPLE_DIR, SCRAMBLED_DIR}) {
+        const Listing listing = list(directory, 10);
+        keep(listing.status, listing.codes);
+        keep(static_cast<int>(message(listing.codes[3], u"file", 129).size()), listing.auxiliary);
     }
     for (const Role role : {Role::source, Role::target}) {
         const Description system = describe(role, SAMPLE_DIR, "system-42-83-gauss-krueger", 0, 303);
@@ -170,6 +178,52 @@ TEST(Host, MayHaveSmallStacks) {
     RecordProperty("stack_bytes", std::to_string(used));
 #endif
     EXPECT_EQ(got, expected);
+}
+
+// The memory that the process holds.
+std::size_t resident_bytes() {
+#ifdef __linux__
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm").ignore(100, ' ') >> pages;
+    return pages * 4096;
+#else
+    return 0;
+#endif
+}
+
+// LAGESTATUS_CALLS asks for more calls than a daily test makes.
+TEST(Host, MayCallFromManyThreads) {
+    constexpr int threads = 8;
+    constexpr std::size_t tolMemory = 1 << 20;  // what the pages of eight stacks and heaps vary by
+    const char* const asked = std::getenv("LAGESTATUS_CALLS");
+    const std::size_t calls = asked != nullptr ? std::stoul(asked) : 4000;
+    const Calls work = ::calls();
+    const auto expected = everything(work);
+    std::atomic<int> different = 0;
+    const auto run = [&](std::size_t untilMade) {
+        std::vector<std::thread> all;
+        for (int number = 0; number < threads; ++number) {
+            all.emplace_back([&, untilMade] {
+                while (callsMade < untilMade) {
+                    different += everything(work) == expected ? 0 : 1;
+                }
+            });
+        }
+        std::ranges::for_each(all, &std::thread::join);
+    };
+    const std::size_t before = callsMade;
+    run(before + calls / 4);
+    const std::size_t handles = open_file_handles();
+    const std::size_t memory = resident_bytes();
+    run(before + calls);
+    EXPECT_EQ(different, 0);
+    EXPECT_EQ(open_file_handles(), handles);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_LT(resident_bytes(), memory + tolMemory);
+    RecordProperty("memory_growth",
+                   std::to_string(static_cast<long>(resident_bytes()) - static_cast<long>(memory)));
+#endif
+    RecordProperty("calls", std::to_string(callsMade - before));
 }
 
 }  // namespace

@@ -10,9 +10,7 @@ namespace {
 
 // The promised lengths, so that a sanitizer sees a message that outgrows them.
 std::string message(int code, const std::string& name, bool namesFile) {
-    Buffer<char16_t> buffer(namesFile ? 91 + name.size() : 129, u'x');
-    transfm_dll(code, text(name).get(), buffer.get());
-    return narrow(buffer.values());
+    return testing_support::message(code, wide(name), namesFile ? 91 + name.size() : 129);
 }
 
 TEST(Messages, AreThoseOfTheCatalogue) {

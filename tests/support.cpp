@@ -79,6 +79,12 @@ std::string narrow(const std::vector<char16_t>& units) {
     return text;
 }
 
+std::string message(int code, const std::u16string& fileName, std::size_t size) {
+    Buffer<char16_t> name(fileName + u'\0'), buffer(size, textFill);
+    guarded([&] { return transfm_dll(code, name.get(), buffer.get()), 0; });
+    return narrow(buffer.values());
+}
+
 #ifdef _WIN32
 std::size_t open_file_handles() {
     std::size_t handles = 0;
@@ -181,6 +187,11 @@ void DataDirectory::write(const std::string& name, std::string_view content) con
     std::ofstream(root / on_disk(name), std::ios::binary) << content;
 }
 
+std::string DataDirectory::read(const std::string& name) const {
+    std::ifstream file(root / on_disk(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 std::vector<std::string> good_lines() {
     std::vector<std::string> lines = {"17 code",          "\"System\"", "\"GRS80\"",
                                       "\"Geographisch\"", "49.5 deg",   "9 3"};
@@ -222,11 +233,13 @@ lagestatus::ParameterArray parameters(const std::string& settings) {
 }
 
 int Road::run() {
-    Buffer<double> place(point);
-    const int status =
-        transr_dll(place.get(), text(sourceKind).get(), text(targetKind).get(), place.get(),
-                   text(sourceEllipsoid).get(), Buffer<double>(source).get(), text(targetEllipsoid).get(),
-                   Buffer<double>(target).get(), zone, sourceFlag, targetFlag, text(directory).get());
+    Buffer<double> place(point), from(source), to(target);
+    Buffer<char16_t> sKind = text(sourceKind), tKind = text(targetKind), sEllipsoid = text(sourceEllipsoid),
+                     tEllipsoid = text(targetEllipsoid), dir = text(directory);
+    const int status = guarded([&] {
+        return transr_dll(place.get(), sKind.get(), tKind.get(), place.get(), sEllipsoid.get(), from.get(),
+                          tEllipsoid.get(), to.get(), zone, sourceFlag, targetFlag, dir.get());
+    });
     std::ranges::copy(place.values(), point.begin());
     return status;
 }
@@ -254,9 +267,11 @@ std::string scrambled(const std::vector<std::string>& lines, int key) {
 Listing list(const std::string& directory, std::size_t names) {
     Buffer<int> flag(1, -9), count(1, -9), codes(100, -9), auxiliary(100, -9);
     Buffer<char16_t> slots(100 * 100, textFill);
+    Buffer<char16_t> dir = text(directory);
     Listing listing;
-    listing.status = translD_dll(text(directory).get(), flag.get(), count.get(), codes.get(), auxiliary.get(),
-                                 slots.get());
+    listing.status = guarded([&] {
+        return translD_dll(dir.get(), flag.get(), count.get(), codes.get(), auxiliary.get(), slots.get());
+    });
     listing.flag = flag.values()[0];
     listing.count = count.values()[0];
     std::ranges::copy(codes.values(), listing.codes.begin());
@@ -272,15 +287,16 @@ Listing list(const std::string& directory, std::size_t names) {
 Description describe(Role role, const std::string& directory, const std::string& base, int scrambledFlag,
                      int code) {
     Buffer<char16_t> name(100, textFill), ellipsoid(11, textFill), kind(14, textFill), dir = text(directory),
-                                                                           file = text(base);
+                                                                                       file = text(base);
     Buffer<double> parameters(36, untouched);
     Buffer<int> zone(1, -9);
     Description system;
-    system.status = role == Role::source
-                        ? transla_dll(dir.get(), file.get(), scrambledFlag, code, name.get(), ellipsoid.get(),
-                                      kind.get(), parameters.get())
-                        : translz_dll(dir.get(), file.get(), scrambledFlag, code, name.get(), ellipsoid.get(),
-                                      kind.get(), zone.get(), parameters.get());
+    system.status = guarded([&] {
+        return role == Role::source ? transla_dll(dir.get(), file.get(), scrambledFlag, code, name.get(),
+                                                  ellipsoid.get(), kind.get(), parameters.get())
+                                    : translz_dll(dir.get(), file.get(), scrambledFlag, code, name.get(),
+                                                  ellipsoid.get(), kind.get(), zone.get(), parameters.get());
+    });
     system.name = narrow(name.values());
     system.ellipsoid = narrow(ellipsoid.values());
     system.kind = narrow(kind.values());
@@ -295,10 +311,13 @@ Transformed transform(const std::string& directory, int from, int to, const std:
     Buffer<char16_t> targetName(100, textFill), targetEllipsoid(11, textFill), targetKind(14, textFill);
     Buffer<double> result(4, untouched);
     Buffer<int> auxiliary(2);
+    Buffer<char16_t> dir = text(directory);
     Transformed done;
-    done.status = trans_dll(point[0], point[1], point[2], from, to, text(directory).get(), &heightMode,
-                            result.get(), sourceName.get(), auxiliary.get(), sourceEllipsoid.get(),
-                            sourceKind.get(), targetName.get(), targetEllipsoid.get(), targetKind.get());
+    done.status = guarded([&] {
+        return trans_dll(point[0], point[1], point[2], from, to, dir.get(), &heightMode, result.get(),
+                         sourceName.get(), auxiliary.get(), sourceEllipsoid.get(), sourceKind.get(),
+                         targetName.get(), targetEllipsoid.get(), targetKind.get());
+    });
     std::ranges::copy(result.values(), done.result.begin());
     std::ranges::copy(auxiliary.values(), done.auxiliary.begin());
     done.sourceName = narrow(sourceName.values());

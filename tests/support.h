@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -108,8 +109,24 @@ class Buffer {
 std::u16string wide(std::string_view text);
 Buffer<char16_t> text(std::string_view text);
 std::string narrow(const std::vector<char16_t>& units);
+// The message of transfm_dll, for a buffer of size units.
+std::string message(int code, const std::u16string& fileName, std::size_t size);
 
 std::size_t open_file_handles();
+
+// Heap memory asked for by this thread, if the program has heap_hook.cpp in it.
+inline thread_local std::size_t heapCalls = 0;
+inline std::atomic<std::size_t> callsMade = 0;  // of the exported functions
+
+// Makes a call of an exported function, which must not ask for heap memory.
+template <typename Call>
+auto guarded(Call call) {
+    ++callsMade;
+    const std::size_t before = heapCalls;
+    const auto status = call();
+    EXPECT_EQ(heapCalls, before) << "heap memory was asked for";
+    return status;
+}
 
 // Runs work in a thread with a stack of size bytes (Wine gives a mebibyte at least); returns how much of it was used.
 std::size_t on_small_stack(std::size_t size, const std::function<void()>& work);
@@ -126,6 +143,7 @@ class DataDirectory {
     DataDirectory& operator=(const DataDirectory&) = delete;
 
     void write(const std::string& name, std::string_view content) const;
+    [[nodiscard]] std::string read(const std::string& name) const;
     [[nodiscard]] std::string path() const { return root.string(); }
 
   private:

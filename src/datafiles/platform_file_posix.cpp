@@ -29,16 +29,22 @@ struct Opened {
     bool missing;  // there is no file of that name: the next way of looking for it may be tried
 };
 
-int open_retrying(int directoryHandle, const char* path, int flags) noexcept {
-    int handle = noHandle;
-    do {
-        handle = ::openat(directoryHandle, path, flags);
-    } while (handle == noHandle && errno == EINTR);
-    return handle;
+// Makes a system call again as long as signals interrupt it.
+template <typename Call>
+auto uninterrupted(Call call) noexcept {
+    auto returned = call();
+    while (returned == -1 && errno == EINTR) {
+        returned = call();
+    }
+    return returned;
+}
+
+int open_path(int directoryHandle, const char* path, int flags) noexcept {
+    return uninterrupted([=] { return ::openat(directoryHandle, path, flags); });
 }
 
 Opened open_regular(int directoryHandle, const char* path) noexcept {
-    const int handle = open_retrying(directoryHandle, path, openFlags);
+    const int handle = open_path(directoryHandle, path, openFlags);
     if (handle == noHandle) {
         return {noHandle, errno == ENOENT || errno == ENOTDIR};
     }
@@ -71,7 +77,8 @@ FileName next_without_case(int directoryHandle, std::string_view wanted, std::st
         return next;
     }
     for (;;) {
-        const ssize_t bytes = ::getdents64(directoryHandle, entries.data(), entries.size());
+        const ssize_t bytes =
+            uninterrupted([&] { return ::getdents64(directoryHandle, entries.data(), entries.size()); });
         if (bytes <= 0) {
             return next;
         }
@@ -94,8 +101,7 @@ Opened open_without_case(std::string_view path) noexcept {
     const bool hasDirectory = slash != std::string_view::npos;
     const Path directory(hasDirectory ? path.substr(0, slash + 1) : std::string_view("."));
     const std::string_view wanted = hasDirectory ? path.substr(slash + 1) : path;
-    const int directoryHandle =
-        open_retrying(AT_FDCWD, directory.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
+    const int directoryHandle = open_path(AT_FDCWD, directory.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
     if (directoryHandle == noHandle) {
         return {noHandle, true};
     }
@@ -130,11 +136,7 @@ FileHandle open_data_file(std::string_view joined) noexcept {
 }
 
 std::ptrdiff_t read_data_file(FileHandle file, char* bytes, std::size_t count) noexcept {
-    ssize_t got = 0;
-    do {
-        got = ::read(static_cast<int>(file), bytes, count);
-    } while (got < 0 && errno == EINTR);
-    return got;
+    return uninterrupted([=] { return ::read(static_cast<int>(file), bytes, count); });
 }
 
 void close_data_file(FileHandle file) noexcept {

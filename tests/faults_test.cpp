@@ -1,0 +1,356 @@
+// The system calls of the library go wrong, one by one; and files change while they are read. The linker puts the
+// functions here (--wrap) between the library and the system.
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <fstream>
+#include <map>
+
+#include "support.h"
+
+using namespace testing_support;
+
+namespace {
+
+constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
+
+// A system call as it was made.
+struct Made {
+    std::string call;
+    std::string file;  // name as it was opened
+};
+
+// What happens to the calls, and what was made of them.
+struct Scene {
+    std::size_t failing = never;  // number of the call that fails
+    int error = 0;
+    bool onwards = false;      // so do all behind it
+    std::size_t most = never;  // bytes that one read gives
+    std::size_t ends = never;  // bytes that a file gives before reads give nothing, or fail if error is set
+    std::function<void()> meanwhile = [] {};  // what others do before each read
+
+    std::vector<Made> made = {};
+    std::map<int, std::string> open = {};   // handles that are open
+    std::map<int, std::size_t> given = {};  // bytes that were read of each
+};
+Scene* scene = nullptr;
+
+// What is noted here takes heap memory that the library has not asked for.
+struct Uncounted {
+    std::size_t before = heapCalls;
+    ~Uncounted() { heapCalls = before; }
+};
+
+// Notes a call; true if it is to fail.
+bool fails(const char* call, const std::string& file) {
+    scene->made.push_back({call, file});
+    EXPECT_LT(scene->made.size(), 100000U) << "without end";
+    const std::size_t number = scene->made.size() - 1;
+    errno = scene->error;
+    return number == scene->failing || (scene->onwards && number > scene->failing);
+}
+
+}  // namespace
+
+extern "C" {
+int __real_openat64(int directory, const char* path, int flags);
+int __real_fstat64(int handle, struct stat64* about);
+ssize_t __real_read(int handle, void* bytes, std::size_t count);
+int __real_close(int handle);
+off64_t __real_lseek64(int handle, off64_t offset, int whence);
+ssize_t __real_getdents64(int handle, void* entries, std::size_t size);
+
+int __wrap_openat64(int directory, const char* path, int flags) {
+    const Uncounted here;
+    if (scene == nullptr) {
+        return __real_openat64(directory, path, flags);
+    }
+    const bool failed = fails("open", path);
+    const int handle = failed ? -1 : __real_openat64(directory, path, flags);
+    if (handle != -1) {
+        scene->open[handle] = path;
+        scene->given[handle] = 0;
+    }
+    return handle;
+}
+int __wrap_fstat64(int handle, struct stat64* about) {
+    const Uncounted here;
+    return scene != nullptr && fails("stat", scene->open[handle]) ? -1 : __real_fstat64(handle, about);
+}
+ssize_t __wrap_read(int handle, void* bytes, std::size_t count) {
+    const Uncounted here;
+    if (scene == nullptr) {
+        return __real_read(handle, bytes, count);
+    }
+    scene->meanwhile();
+    std::size_t& given = scene->given[handle];
+    if (fails("read", scene->open[handle]) || (scene->error != 0 && given >= scene->ends)) {
+        return -1;
+    }
+    const ssize_t got = __real_read(handle, bytes, std::min({count, scene->most, scene->ends - given}));
+    given += static_cast<std::size_t>(std::max(got, ssize_t{0}));
+    return got;
+}
+int __wrap_close(int handle) {
+    const Uncounted here;
+    if (scene == nullptr) {
+        return __real_close(handle);
+    }
+    const bool failed = fails("close", scene->open[handle]);
+    EXPECT_EQ(scene->open.erase(handle), 1U) << "closed twice";
+    EXPECT_EQ(__real_close(handle), 0);
+    errno = scene->error;
+    return failed ? -1 : 0;  // Linux has closed it all the same
+}
+off64_t __wrap_lseek64(int handle, off64_t offset, int whence) {
+    const Uncounted here;
+    return scene != nullptr && fails("seek", scene->open[handle]) ? -1
+                                                                  : __real_lseek64(handle, offset, whence);
+}
+ssize_t __wrap_getdents64(int handle, void* entries, std::size_t size) {
+    const Uncounted here;
+    return scene != nullptr && fails("list", scene->open[handle]) ? -1
+                                                                  : __real_getdents64(handle, entries, size);
+}
+}
+
+namespace {
+
+// What a call gave.
+struct Outcome {
+    int status = 0;
+    std::vector<double> numbers = {};
+    Row texts = {};
+    bool operator==(const Outcome&) const = default;
+};
+
+using Action = std::function<Outcome()>;
+
+// Runs an action in a scene; whatever happens, it leaves no handle open.
+Outcome played(Scene& play, const Action& action) {
+    scene = &play;
+    Outcome outcome = action();
+    scene = nullptr;
+    EXPECT_TRUE(play.open.empty());
+    return outcome;
+}
+Outcome played(Scene&& play, const Action& action) {
+    return played(play, action);
+}
+
+// All that read files, in a directory of files that are good; "case": all names in capitals.
+class Faults : public ::testing::Test {
+  protected:
+    Faults() {
+        for (const DataDirectory* one : {&directory, &capitals}) {
+            const bool upper = one == &capitals;
+            auto lines = good_lines();
+            lines[2] = "\"Bessel\"";
+            one->write(upper ? "default" : "DEFAULT", "2 1\n17 4\n\"f\"\n18 -5\n\"g\"\n");
+            one->write(upper ? "F.TRA" : "f.tra", join(lines));
+            one->write(upper ? "F.TR0" : "f.tr0", scrambled(lines, 7));
+            one->write(upper ? "HOEHE.INI" : "hoehe.ini", "0\n" + join(good_model()));
+        }
+    }
+
+    static Action listing(const DataDirectory& in) {
+        return [path = in.path()] {
+            const Listing l = list(path);
+            return Outcome{l.status, {l.codes.begin(), l.codes.begin() + 2}, {std::to_string(l.count)}};
+        };
+    }
+    static Action description(const DataDirectory& in, Role role, int flag) {
+        return [path = in.path(), role, flag] {
+            const Description d = describe(role, path, "f", flag, 17);
+            EXPECT_EQ(d.parameters == std::vector<double>(36, untouched), d.status != 0);
+            return Outcome{d.status, d.parameters, {d.name, d.ellipsoid, d.kind}};
+        };
+    }
+    static Action transformation(const DataDirectory& in) {
+        return [path = in.path()] {
+            const Transformed t = transform(path, 17, 17, {51.3, 9.4, 100});
+            const bool none = t.status > 0 && t.status < 1000;
+            EXPECT_NEAR(t.result[0], none ? 0 : 51.3, 1e-12);
+            EXPECT_EQ(t.result[2], none ? 0 : 100);
+            EXPECT_TRUE(t.status < 1000 || t.result[3] == 100) << "no height anomaly";
+            return Outcome{t.status, {t.result.begin(), t.result.begin() + 3}, {t.sourceName, t.targetName}};
+        };
+    }
+    static Action iteration(const DataDirectory& in) {
+        return [path = in.path()] {
+            Road road = {.directory = path,
+                         .point = {51.3, 9.4, 100, 0},
+                         .sourceEllipsoid = "GRS80",
+                         .targetEllipsoid = "GRS80",
+                         .sourceFlag = -1,
+                         .targetFlag = -1};
+            const int status = road.run();
+            EXPECT_TRUE(status == 0 || road.point[0] == 0 || std::fabs(road.point[0] - 51.3) < 1e-9);
+            EXPECT_EQ(road.point[3], 100);
+            return Outcome{status, {road.point.begin(), road.point.end()}};
+        };
+    }
+
+    [[nodiscard]] std::vector<Action> actions() const {
+        return {listing(directory),
+                description(directory, Role::source, 0),
+                description(directory, Role::target, 1),
+                transformation(directory),
+                iteration(directory),
+                listing(capitals),
+                description(capitals, Role::source, 0),
+                transformation(capitals),
+                iteration(capitals)};
+    }
+
+    const DataDirectory directory, capitals;
+};
+
+// The status for a file that cannot be opened (-1 if no file of the library is meant), and for one that cannot be read.
+int status_of(const Made& made, bool opening) {
+    const std::string name = made.file.substr(made.file.rfind('/') + 1);
+    const auto has = [&name](const char* part) { return name.find(part) != std::string::npos; };
+    if (has("hoehe") || has("HOEHE")) {
+        return opening ? 1110 : 1100;
+    }
+    return !opening ? 100 : has("DEFAULT") || has("default") ? 1 : 7;
+}
+
+TEST_F(Faults, GiveTheirStatusWhereverTheyStrike) {
+    std::size_t faults = 0;
+    for (std::size_t number = 0; const Action& action : actions()) {
+        for (const std::size_t most : {never, std::size_t{600}}) {
+            Scene undisturbed = {.most = most};
+            const Outcome right = played(undisturbed, action);
+            ASSERT_EQ(right.status, 0);
+            for (std::size_t at = 0; at < undisturbed.made.size(); ++at) {
+                const Made& made = undisturbed.made[at];
+                const bool opens = made.call == "open" || made.call == "stat";
+                for (const int error : {EIO, EACCES, EMFILE, ENOENT, EINTR}) {
+                    for (const bool onwards : {false, true}) {
+                        if (onwards && error == EINTR) {
+                            continue;  // no more than a signal every time
+                        }
+                        SCOPED_TRACE(::testing::Message()
+                                     << number << ' ' << made.call << ' ' << at << ' ' << made.file
+                                     << " errno " << error << (onwards ? " onwards" : ""));
+                        Scene play = {.failing = at, .error = error, .onwards = onwards, .most = most};
+                        const Outcome outcome = played(play, action);
+                        ++faults;
+                        // Interrupted calls are made again; closing is all there is to do with a file that is read.
+                        const bool same = made.call == "close" ||
+                                          (error == EINTR && made.call != "stat" && made.call != "seek");
+                        // A file that is missing under its name is found again in the list of its directory.
+                        const bool elsewhere = !onwards && made.call == "open" && error == ENOENT;
+                        const bool directoryFails = made.file.ends_with('/');
+                        if ((same && !onwards) || (elsewhere && !directoryFails)) {
+                            EXPECT_TRUE(outcome == right || (elsewhere && outcome.status != 0));
+                        } else if (same || directoryFails) {
+                            EXPECT_TRUE(outcome == right || outcome.status != 0);
+                        } else {
+                            EXPECT_EQ(outcome.status, status_of(made, opens));
+                        }
+                    }
+                }
+            }
+        }
+        ++number;
+    }
+    RecordProperty("faults", std::to_string(faults));
+}
+
+TEST_F(Faults, ReadsMayGiveAnyNumberOfBytes) {
+    for (const Action& action : actions()) {
+        const Outcome right = action();
+        for (const std::size_t most : {1U, 2U, 7U, 1000U}) {
+            EXPECT_EQ(played({.most = most}, action), right) << most;
+        }
+    }
+}
+
+// Of a file: the action that reads it, and its status when the file cannot be read to the end.
+struct Reading {
+    std::string name;
+    Action action;
+    int unreadable;
+};
+
+TEST_F(Faults, AFileMayEndOrFailAtEveryByte) {
+    for (const auto& [name, action, unreadable] : {Reading{"DEFAULT", listing(directory), 100},
+                                                   {"f.tra", description(directory, Role::source, 0), 100},
+                                                   {"f.tr0", description(directory, Role::target, 1), 100},
+                                                   {"hoehe.ini", iteration(directory), 1100}}) {
+        SCOPED_TRACE(name);
+        const Outcome right = action();
+        ASSERT_EQ(right.status, 0);
+        const std::string content = directory.read(name);
+        std::size_t needed = never;
+        for (std::size_t length = 0; length <= content.size(); ++length) {
+            const Outcome failed = played({.error = EIO, .ends = length}, action);
+            needed = failed == right ? std::min(needed, length) : needed;
+            EXPECT_TRUE(failed.status == (length < needed ? unreadable : 0))
+                << length << ": " << failed.status;
+            const Outcome ended = played({.ends = length}, action);
+            directory.write(name, std::string_view(content).substr(0, length));
+            EXPECT_EQ(action(), ended) << length;
+            directory.write(name, content);
+        }
+        EXPECT_LE(needed, content.size());
+        EXPECT_GE(needed, content.size() * 2 / 3) << "most of it is needed";
+    }
+}
+
+TEST_F(Faults, AFileMayChangeWhileItIsRead) {
+    namespace fs = std::filesystem;
+    struct Change {
+        const char* name;
+        bool keepsWhatIsOpen;
+        std::function<void(const fs::path&)> make;
+    };
+    const Change changes[] = {
+        {"grows", true,
+         [](const fs::path& file) { std::ofstream(file, std::ios::app) << std::string(5000, 'x'); }},
+        {"emptied", false, [](const fs::path& file) { fs::resize_file(file, 0); }},
+        {"shrinks", false, [](const fs::path& file) { fs::resize_file(file, 150); }},
+        {"overwritten", false, [](const fs::path& file) { std::ofstream(file) << std::string(5000, 'x'); }},
+        {"removed", true, [](const fs::path& file) { fs::remove(file); }},
+        {"replaced", true,
+         [](const fs::path& file) {
+             std::ofstream(file.string() + "new") << "\"another\"\n";
+             fs::rename(file.string() + "new", file);
+         }},
+    };
+    for (const auto& [name, action, unreadable] : {Reading{"DEFAULT", listing(directory), 100},
+                                                   {"f.tra", description(directory, Role::source, 0), 100},
+                                                   {"f.tr0", description(directory, Role::target, 1), 100},
+                                                   {"hoehe.ini", iteration(directory), 1100}}) {
+        const Outcome right = action();
+        const std::string content = directory.read(name);
+        const bool openedOnce = unreadable == 100;
+        for (const Change& change : changes) {
+            bool changed = true;
+            for (std::size_t at = 0; changed; ++at) {
+                SCOPED_TRACE(name + ' ' + change.name + " before read " + std::to_string(at));
+                changed = false;
+                std::size_t reads = 0;
+                Scene play = {.most = 20};
+                play.meanwhile = [&] {
+                    if (reads++ == at) {
+                        change.make(directory.path() + '/' + name);
+                        changed = true;
+                    }
+                };
+                const Outcome outcome = played(play, action);
+                EXPECT_TRUE(outcome == right ||
+                            (outcome.status != 0 && !(openedOnce && change.keepsWhatIsOpen)))
+                    << outcome.status;
+                directory.write(name, content);
+            }
+        }
+    }
+}
+
+}  // namespace
