@@ -10,6 +10,8 @@ windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clan
 examplePackages=(mono-mcs mono-runtime fp-compiler fp-units-rtl python3)
 packagePackages=(dpkg-dev file unzip)
 benchPackages=(libbenchmark-dev libproj-dev pkg-config python3)
+fuzzPackages=(clang)
+coveragePackages=(clang llvm python3)
 scalePackages=(parallel openssh-server openssh-client)
 
 windowsCompiler=x86_64-w64-mingw32-gcc-posix

@@ -70,8 +70,10 @@ TEST(LineReader, SkipsWhatItWouldRead) {
             content += repeated(lengths[random() % 10] + random() % 2, static_cast<char>(random() % 90));
             content += random() % 8 == 0 ? "\r\n" : "\n";
         }
+        content.resize(content.size() - random() % 2);
+        content += random() % 4 == 0 ? "\n#" : "";
         directory.write("lines", content);
-        for (const int key : {0, 1, 7, 300}) {
+        for (const int key : {0, 1, 7, 300, -1}) {
             const int count = static_cast<int>(random() % 60);
             Line line;
             DataFile reading;
@@ -239,7 +241,7 @@ TEST(ParameterFile, EndsEarly) {
     }
     using Key = std::pair<const char*, int>;
     for (const auto& [content, status] :
-         {Key{"", 100}, {"7", 100}, {"7\n", 100}, {"-1\n17\n", 100}, {"3  \"Z\n", 8}}) {
+         {Key{"", 100}, {"7", 100}, {"0x", 100}, {"7\n", 100}, {"-1\n17\n", 100}, {"3  \"Z\n", 8}}) {
         directory.write("key.tr0", content);
         EXPECT_EQ(describe(Role::source, directory.path(), "key", 1, 17).status, status) << content;
     }

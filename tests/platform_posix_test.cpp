@@ -8,6 +8,7 @@
 #include "support.h"
 
 using namespace testing_support;
+using lagestatus::DataFile;
 
 namespace {
 
@@ -37,11 +38,16 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
     EXPECT_EQ(list(root + "/plain").count, -4) << "a file where the directory should be";
     EXPECT_EQ(list(root + "/fifo").status, 1) << "and it does not block";
     EXPECT_EQ(list(root + "/unreadable").status, 100) << "a read error, not an end that looks like one";
+    DataFile none, unreadable;
+    EXPECT_TRUE(none.available().empty() && !none.failed());
+    ASSERT_TRUE(unreadable.open(root + "/unreadable", "DEFAULT"));
+    EXPECT_TRUE(unreadable.available().empty() && unreadable.failed());
+    EXPECT_TRUE(unreadable.available().empty()) << "nor is it tried again";
     EXPECT_EQ(list("").status, 1) << "a file in the root directory";
-    EXPECT_EQ(open_file_handles(), handles);
+    EXPECT_EQ(open_file_handles(), handles + 1) << "of the one that is not closed yet";
 
     // No child process inherits the handle.
-    lagestatus::DataFile file;
+    DataFile file;
     ASSERT_TRUE(file.open(root + "/Sub", "DEFAULT"));
     for (const auto& handle : fs::directory_iterator("/proc/self/fd")) {
         if (fs::exists(handle) && fs::equivalent(handle, root + "/Sub/DEFAULT")) {
