@@ -143,6 +143,8 @@ bool is_set(const FloatState& state, const FloatState& host) {
     return state == host;
 }
 
+// Those of IEEE 754; glibc leaves a sixth alone, which tells of flushed operands and has no effect.
+constexpr std::uint64_t allFlags = 0x1F;
 constexpr FloatState fresh = {0, 0};
 constexpr std::pair<const char*, FloatState> hosts[] = {
     {"as it comes, no flag raised", fresh},
@@ -150,7 +152,7 @@ constexpr std::pair<const char*, FloatState> hosts[] = {
     {"rounding down", {2U << 22U, 0}},
     {"rounding towards zero", {3U << 22U, 0}},
     {"subnormal numbers flushed", {1U << 24U, 0}},
-    {"all flags raised", {0, 0x9F}},
+    {"all flags raised", {0, allFlags}},
 };
 #endif
 
