@@ -1,6 +1,7 @@
 /*
  * Prints the bits of many transformations, to be compared between platforms (scripts/compare_platforms): 1,500 places
- * over Germany, up to 3 km high, from each system of the sample to each. To be run from the root of the tree.
+ * over Germany (or as many as its argument says), up to 3 km high, from each system of the sample to each. To be run
+ * from the root of the tree.
  *
  * A line: codes of source and target, status, the bits of the three coordinates given and of the three computed.
  */
@@ -8,6 +9,7 @@
 #include <lagestatus.h>
 #include <stdint.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 #define PLACES 1500
@@ -43,7 +45,8 @@ static void print_bits(const double* values) {
     }
 }
 
-int main(void) {
+int main(int argc, char** argv) {
+    const int places = argc > 1 ? atoi(argv[1]) : PLACES;
     int codes[LAGESTATUS_MAX_ENTRIES], auxiliary[LAGESTATUS_MAX_ENTRIES], scrambled, count, place, from, to,
         i;
     lagestatus_char name[LAGESTATUS_NAME_SIZE];
@@ -61,7 +64,7 @@ int main(void) {
             return 1;
         }
     }
-    for (place = 0; place < PLACES; ++place) {
+    for (place = 0; place < places; ++place) {
         double geographic[3];
         geographic[0] = 47 + 8 * next(&state);
         geographic[1] = 6 + 9 * next(&state);

@@ -50,7 +50,7 @@ class StandardStreams {
     StandardStreams& operator=(const StandardStreams&) = delete;
 
   private:
-    unsigned before = 0;
+    [[maybe_unused]] unsigned before = 0;  // the console's code page
 };
 
 }  // namespace cli
