@@ -36,9 +36,10 @@ std::string narrowed(const std::vector<char16_t>& units) {
 }
 
 std::vector<char16_t> kind_of(Input& input) {
-    return text_of(input,
-                   {"Geographisch", "Gauss-Krueger", "Soldner", "Geozentrisch", "Gauss-Krueger", "Soldner"},
-                   kindUnits);
+    return text_of(
+        input,
+        {"Geographisch", "Gauss-Krueger", "Soldner", "Geozentrisch", "Gauss-Krueger-", "Geographisch x"},
+        kindUnits);
 }
 
 // A system like those there are, but for some of its parameters; or any 36 numbers.
