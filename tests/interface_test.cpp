@@ -105,8 +105,9 @@ TEST(Driver, StopsAtTheFirstFailureAndTellsHowFarItCame) {
     EXPECT_EQ(infinite.result, (std::array<double, 4>{}));
     EXPECT_EQ(infinite.targetEllipsoid, "Bessel");
 
-    const Transformed names = transform(directory.path(), 22, 17, {51, 10, 1});
+    const Transformed names = transform(directory.path(), 21, 17, {51, 10, 1});
     EXPECT_EQ((Row{names.sourceEllipsoid, names.targetEllipsoid}), (Row{"GRS80", "Bessel"}));
+    EXPECT_EQ((Row{names.sourceKind, names.targetKind}), (Row{"Gauss-Krueger", "Geographisch"}));
     directory.write("DEFAULT", "-3 0\n");
     EXPECT_EQ(transform(directory.path(), 17, 17, {51, 10, 1}).status, 93);
 }
