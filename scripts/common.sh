@@ -7,11 +7,10 @@ buildPackages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config locales python3)
 checkPackages=(clang-format clang-tidy python3 proj-bin groff-base shellcheck zsh fish)
 windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld clang-tidy locales python3)
-machinePackages=(clang g++-aarch64-linux-gnu 'qemu-user-static|qemu-user' googletest dpkg-dev)
+machinePackages=(clang g++-aarch64-linux-gnu qemu-user-static googletest dpkg-dev)
 examplePackages=(mono-mcs mono-runtime fp-compiler fp-units-rtl python3)
 packagePackages=(dpkg-dev file unzip)
 benchPackages=(libbenchmark-dev libproj-dev pkg-config python3)
-fuzzPackages=(clang)
 coveragePackages=(clang llvm python3)
 scalePackages=(parallel openssh-server openssh-client)
 
@@ -60,6 +59,12 @@ need() {
         echo "There is no package $package." >&2
         return 1
     done
+}
+
+# Installs clang with what its sanitizers, fuzzer and profiles are linked with, which is a package of its own on Debian.
+need_clang_with_runtime() {
+    need clang
+    compgen -G "$(clang -print-resource-dir)/lib/*/libclang_rt.profile*" >/dev/null || need libclang-rt-dev
 }
 
 # Unpacks the source of a package of the distribution into build/sources, for what must be built for another system.

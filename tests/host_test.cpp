@@ -50,8 +50,12 @@ std::vector<std::uint64_t> everything(const Calls& calls) {
         }
     };
     const auto keep_transformed = [&](int from, int to, const std::array<double, 3>& point, char mode) {
-        const Transformed done = transform(SAMPLE_DIR, from, to, point, mode);
+        const Transformed done = transform(from % 2 == 0 ? SCRAMBLED_DIR : SAMPLE_DIR, from, to, point, mode);
         keep(done.status, done.result);
+        for (const std::string& read : {done.sourceName, done.sourceEllipsoid, done.sourceKind,
+                                        done.targetName, done.targetEllipsoid, done.targetKind}) {
+            keep(0, read);
+        }
     };
     for (std::size_t number = 0; number < places.size(); ++number) {
         const auto& [code, place] = places[number];
@@ -61,14 +65,22 @@ std::vector<std::uint64_t> everything(const Calls& calls) {
         keep_transformed(code, next, {notANumber, place[1], infinity}, 'n');
     }
     for (const char* directory : {SAMPLE_DIR, SCRAMBLED_DIR}) {
+        const int scrambledFlag = directory == std::string(SAMPLE_DIR) ? 0 : 1;
         const Listing listing = list(directory, 10);
         keep(listing.status, listing.codes);
-        keep(static_cast<int>(message(listing.codes[3], u"file", 129).size()), listing.auxiliary);
+        for (const std::string& name : listing.names) {
+            keep(0, name);
+        }
+        for (const Role role : {Role::source, Role::target}) {
+            const Description system =
+                describe(role, directory, "system-42-83-gauss-krueger", scrambledFlag, 303);
+            keep(system.status, system.parameters);
+            keep(system.zone, system.name + system.ellipsoid + system.kind);
+        }
     }
-    for (const Role role : {Role::source, Role::target}) {
-        const Description system = describe(role, SAMPLE_DIR, "system-42-83-gauss-krueger", 0, 303);
-        keep(system.status, system.parameters);
-    }
+    keep(0, message(1027, u"file", 129));
+    Buffer<double> out(4);
+    keep(guarded([&] { return test_dll(1.5, -2.5, 3.5, out.get()); }), out.values());
     Road road = calls.road;
     keep(road.run(), road.point);
     road = calls.road;

@@ -33,7 +33,7 @@ TEST(Messages, AreThoseOfTheCatalogue) {
     // A file name is inserted whole and unit by unit.
     std::vector<char16_t> buffer(91 + 700, u'x');
     const std::u16string longName(700, u'\u0416');
-    transfm_dll(39, longName.c_str(), buffer.data());
+    guarded([&] { return transfm_dll(39, longName.c_str(), buffer.data()), 0; });
     EXPECT_EQ(std::u16string(buffer.data()),
               u"Lesefehler in " + longName + u" beim Lesen der Translation in X zum Zwischensystem");
 }
@@ -63,7 +63,11 @@ TEST(Boundary, NarrowsNamesAndNeverCutsThem) {
     int count = 0;
     std::array<int, 100> numbers = {};
     std::vector<char16_t> names(100 * 100);
-    EXPECT_EQ(translD_dll(odd.c_str(), &flag, &count, numbers.data(), numbers.data(), names.data()), 0);
+    EXPECT_EQ(guarded([&] {
+                  return translD_dll(odd.c_str(), &flag, &count, numbers.data(), numbers.data(),
+                                     names.data());
+              }),
+              0);
     EXPECT_EQ(count, -1);
 }
 

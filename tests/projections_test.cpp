@@ -172,6 +172,7 @@ TEST(Projections, HoldEveryBitOfTheFormulas) {
         }
         if (number % 40 == 3) {  // on the meridian itself
             geo.second = geo.lam0;
+            geo.first = number % 80 == 3 ? 1.5707963267948966 - between(0, 1e-5) : geo.first;
             plane.first = 0;
         }
         if (number % 600 == 8) {  // an ellipsoid of the smallest doubles

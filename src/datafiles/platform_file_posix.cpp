@@ -68,7 +68,7 @@ bool equal_without_case(std::string_view left, std::string_view right) noexcept 
 using FileName = FixedText<NAME_MAX + 1>;
 
 // The next name in byte order, behind after, of those in the directory that equal wanted but for the case of
-// letters; empty if there is none. Reads the entries by the system call, since the C library's directory streams
+// letters; empty if there is none, or the directory cannot be read. Reads the entries by the system call, since the C library's directory streams
 // take heap memory.
 FileName next_without_case(int directoryHandle, std::string_view wanted, std::string_view after) noexcept {
     FileName next;
@@ -80,7 +80,7 @@ FileName next_without_case(int directoryHandle, std::string_view wanted, std::st
         const ssize_t bytes =
             uninterrupted([&] { return ::getdents64(directoryHandle, entries.data(), entries.size()); });
         if (bytes <= 0) {
-            return next;
+            return bytes == 0 ? next : FileName();  // what was not listed might have come first
         }
         for (std::size_t at = 0; at < static_cast<std::size_t>(bytes);) {
             const auto* entry =

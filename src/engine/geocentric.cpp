@@ -50,7 +50,7 @@ Status geocentric_to_geographic(const Ellipsoid& ellipsoid, const Geocentric& po
         h = p / cosPhi - N;
         t = ((((a * Z) / b) * a) / b) / p / (ePrime2 * h / (N + h) + 1.0);
     }
-    // What has settled is a number: with it phi, the arc tangent of one, and h, whose last change was finite.
+    // What has settled is never NaN: phi, the arc tangent of t, is finite then, and so is h, whose last change was.
     const double phi = std::atan(t);
     if (!settled() || !std::isfinite(lam)) {
         return status::noGeographicCoordinates;

@@ -62,6 +62,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (l.status != 0 || l.names.empty()) {
         EXPECT_EQ(done.status, l.status == 0 ? 93 : l.status);
         EXPECT_EQ(done.auxiliary, (std::array{-1, -1}));
+        EXPECT_TRUE((done.sourceName + done.sourceEllipsoid + done.sourceKind + done.targetName +
+                     done.targetEllipsoid + done.targetKind)
+                        .empty());
     } else {
         // A name may lead to a file somewhere else.
         expect_status(done.status, done.status == 7 || is_status_of_parameter_file(done.status) ||

@@ -68,6 +68,11 @@ void go(int scrambledFlag, const Both& d, std::array<double, 3> point) {
     for (const char mode : {'e', 'n'}) {
         const Transformed done = transform(memory().path(), code, code, point, mode);
         EXPECT_EQ(done.auxiliary, (std::array{4, d.source.status == 0 ? 4 : -1}));
+        EXPECT_EQ((Row{done.sourceName, done.sourceEllipsoid, done.sourceKind}),
+                  (Row{d.source.name, d.source.ellipsoid, d.source.kind}));
+        EXPECT_EQ((Row{done.targetName, done.targetEllipsoid, done.targetKind}),
+                  d.source.status != 0 ? (Row{"", "", ""})
+                                       : (Row{d.target.name, d.target.ellipsoid, d.target.kind}));
         if (d.source.status != 0 || d.target.status != 0) {
             EXPECT_EQ(done.status, d.source.status != 0 ? d.source.status : d.target.status);
             EXPECT_TRUE(same_bits(done.result, {}));

@@ -87,7 +87,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const NoHandleLeft handles;
     Reached apart = {};
     Reached inPlace = {};
+    // The second time with the result in the point's place, and other flags of the same meaning.
     const auto call = [&](Reached& done, bool samePlace) {
+        const auto flag = [samePlace](int value) { return samePlace && value != -1 ? 0 : value; };
         Buffer<double> from(std::vector<double>(point.begin(), point.begin() + (samePlace ? 4 : 3)));
         Buffer<double> to(4, untouched);
         double* const result = samePlace ? from.get() : to.get();
@@ -95,7 +97,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             transr_dll(from.get(), Buffer<char16_t>(sourceKind).get(), Buffer<char16_t>(targetKind).get(),
                        result, Buffer<char16_t>(sourceEllipsoid).get(), Buffer<double>(source).get(),
                        Buffer<char16_t>(targetEllipsoid).get(), Buffer<double>(target).get(), zone,
-                       sourceFlag, targetFlag, Buffer<char16_t>(path).get());
+                       flag(sourceFlag), flag(targetFlag), Buffer<char16_t>(path).get());
         std::ranges::copy(samePlace ? from.values() : to.values(), done.result.begin());
     };
     call(apart, false);
