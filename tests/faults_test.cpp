@@ -79,6 +79,10 @@ int __wrap_openat64(int directory, const char* path, int flags) {
     }
     return handle;
 }
+// What a C library that looks at buffers (_FORTIFY_SOURCE) makes of it.
+int __wrap___openat64_2(int directory, const char* path, int flags) {
+    return __wrap_openat64(directory, path, flags);
+}
 int __wrap_fstat64(int handle, struct stat64* about) {
     const Uncounted here;
     return scene != nullptr && fails("stat", scene->open[handle]) ? -1 : __real_fstat64(handle, about);
