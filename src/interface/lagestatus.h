@@ -101,8 +101,9 @@
  *   library for Visual C++ and for MinGW. lagestatus.dll needs 64-bit Windows 7 or later and nothing beside it.
  *
  * Not promised
- *   The parameters passed to transr_dll are used unchanged and unchecked. A data file that is being written while
- *   a call reads it gives a status or the result of what was read.
+ *   The parameters passed to transr_dll are used unchanged and unchecked. A data file that is being written or
+ *   replaced while a call reads it gives a status, with any of the outputs described for it, or the result of what
+ *   was read.
  *   The same inputs give the same bits on the same machine with the same C library; the mathematical
  *   functions of another one may differ in the last bit.
  */
