@@ -220,7 +220,7 @@ TEST(Host, MayHaveSmallStacks) {
     const Calls work = calls();
     const auto expected = everything(work);
     std::vector<std::uint64_t> got;
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef TEST_SANITIZED
     on_small_stack(8 * promised, [&] { got = everything(work); });  // red zones around every array
 #else
     const std::size_t used = on_small_stack(promised, [&] { got = everything(work); });
@@ -231,17 +231,16 @@ TEST(Host, MayHaveSmallStacks) {
     EXPECT_EQ(got, expected);
 }
 
-// The memory that the process holds; 0 where it cannot be told, or is that of a sanitizer or an emulator, too.
+// The memory that the process holds; 0 where it cannot be told, or is also a sanitizer's.
 std::size_t resident_bytes() {
     std::size_t pages = 0;
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && \
-    !defined(TEST_EMULATED)
+#if defined(__linux__) && !defined(TEST_SANITIZED)
     std::ifstream("/proc/self/statm").ignore(100, ' ') >> pages;
 #endif
     return pages * 4096;
 }
 
-// LAGESTATUS_CALLS asks for more calls than a daily test makes.
+// LAGESTATUS_CALLS asks for more calls than a daily test makes: so many that a leak of some bytes would show, too.
 TEST(Host, MayCallFromManyThreads) {
     constexpr int threads = 8;
     constexpr std::size_t tolMemory = 1 << 20;  // what the pages of eight stacks and heaps vary by
@@ -269,7 +268,7 @@ TEST(Host, MayCallFromManyThreads) {
     EXPECT_EQ(different, 0);
     EXPECT_EQ(open_file_handles(), handles);
     const std::size_t after = resident_bytes();
-    EXPECT_LT(after, memory + tolMemory);
+    EXPECT_TRUE(asked == nullptr || after < memory + tolMemory);
     RecordProperty("memory_growth", std::to_string(static_cast<long>(after) - static_cast<long>(memory)));
     RecordProperty("calls", std::to_string(callsMade - before));
 }

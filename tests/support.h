@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -15,6 +17,7 @@
 #include <limits>
 #include <numbers>
 #include <ranges>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +30,12 @@ namespace testing_support {
 
 inline constexpr double infinity = std::numeric_limits<double>::infinity();
 inline constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+// The same bits, so that what is not a number and both zeros can be compared.
+inline bool same_bits(std::span<const double> left, std::span<const double> right) {
+    const auto bits = [](double value) { return std::bit_cast<std::uint64_t>(value); };
+    return std::ranges::equal(left, right, {}, bits, bits);
+}
 
 // The largest of some deviations; one that is not a number counts as infinite.
 class Largest {

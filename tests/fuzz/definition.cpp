@@ -71,6 +71,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
                                        is_status_of_pipeline(done.status));
         EXPECT_EQ(done.auxiliary[0], l.auxiliary[0]);
     }
-    EXPECT_TRUE(done.status >= 1000 || done.status == 0 || same_bits(done.result, {}));
+    EXPECT_TRUE(done.status >= 1000 || done.status == 0 || same_bits(done.result, std::array<double, 4>{}));
     return 0;
 }

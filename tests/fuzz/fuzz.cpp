@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <bit>
 #include <cstdlib>
 
 #include "datafiles/field_scanner.h"
@@ -59,11 +58,6 @@ void expect_status(int status, bool allowed) {
     EXPECT_EQ(narrow(message.values()).empty(), status == 0) << status;
 }
 
-bool same_bits(const std::array<double, 4>& left, const std::array<double, 4>& right) {
-    using Bits = std::array<std::uint64_t, 4>;
-    return std::bit_cast<Bits>(left) == std::bit_cast<Bits>(right);
-}
-
 std::optional<std::string> rewritten(std::string_view content, std::uint16_t linesAhead) {
     constexpr std::uint16_t blockSize = 16384;
     if (linesAhead >= blockSize) {
@@ -101,12 +95,10 @@ void check(const Reached& done, double heightGiven, bool heights) {
     expect_status(status, is_status_of_pipeline(status));
     // With 1110, 1100, 1027 and 1028 there may be no point.
     const bool mayBeNone = status == 1110 || status == 1100 || status == 1027 || status == 1028;
-    const bool none = std::all_of(result.begin(), result.end() - 1,
-                                  [](double value) { return std::bit_cast<std::uint64_t>(value) == 0; });
+    const bool none = same_bits({result.data(), 3}, std::array{0.0, 0.0, 0.0});
     const bool finite = std::ranges::all_of(result, [](double value) { return std::isfinite(value); });
     EXPECT_TRUE(between(status, 1, 999) ? none : finite || (mayBeNone && none)) << status;
-    EXPECT_TRUE(heights || (status < 1000 && same_bits({0, 0, 0, heightGiven}, {0, 0, 0, result[3]})))
-        << status;
+    EXPECT_TRUE(heights || (status < 1000 && same_bits({&heightGiven, 1}, {&result[3], 1}))) << status;
 }
 
 Reached reached(const Road& road) {
@@ -127,6 +119,8 @@ Reached reached(const Road& road) {
 // Called by libFuzzer and by the replay before the first input.
 extern "C" int LLVMFuzzerInitialize(int* /*argumentCount*/, char*** /*arguments*/) {
     testing::GTEST_FLAG(throw_on_failure) = true;  // and nothing catches
-    setenv("TMPDIR", "/dev/shm", 1);
+    if (access("/dev/shm", W_OK | X_OK) == 0) {
+        setenv("TMPDIR", "/dev/shm", 1);
+    }
     return 0;
 }

@@ -58,9 +58,6 @@ bool between(int status, int first, int last);
 bool is_status_of_parameter_file(int status);
 bool is_status_of_pipeline(int status);
 
-// The same bits, so that what is not a number and both zeros can be compared.
-bool same_bits(const std::array<double, 4>& left, const std::array<double, 4>& right);
-
 // The same file otherwise: empty lines ahead, as many as it takes for a block of the reader to end in the midst of the
 // content, and pairs of carriage return and line feed if there is no carriage return yet. Nothing for most numbers of
 // lines: it costs as much as all the rest.

@@ -9,12 +9,13 @@ constexpr double height = 100.0;
 
 using Answers = std::vector<Reached>;
 
-// Every way in which the height model comes into a transformation.
+// The ways in which the height model comes into a transformation.
 Answers answers(std::string_view content, double phi, double lam) {
     memory().write("hoehe.ini", content);
     const NoHandleLeft handles;
     Answers all;
     Road road = {.directory = memory().path(), .point = {phi, lam, height, 0}, .targetFlag = -1};
+    // flag: of the source; that of the target is set in road.
     const auto go = [&](const char* from, const char* to, int flag) {
         road.sourceEllipsoid = from;
         road.targetEllipsoid = to;
@@ -42,6 +43,15 @@ Answers answers(std::string_view content, double phi, double lam) {
     EXPECT_TRUE(iterated.status != 0 || iterated.result[3] == height);
     go("GRS80", "Bessel", 0);
     go("GRS80", "Other", 0);
+    for (const auto& [from, to] : {std::pair("Bessel", "GRS80"), {"GRS80", "Bessel"}, {"GRS80", "Other"}}) {
+        go(from, to, -1);
+    }
+    road.targetFlag = 0;
+    go("Other", "Bessel", -1);
+    road.targetKind = "Geozentrisch";
+    go("Bessel", "GRS80", -1);
+    road.targetKind = "Geographisch";
+    road.targetFlag = -1;
     road.sourceKind = "Geozentrisch";
     const double radian = 180 / std::numbers::pi;
     road.point = {6.4e6 * std::cos(phi / radian) * std::cos(lam / radian),
