@@ -68,8 +68,8 @@ bool equal_without_case(std::string_view left, std::string_view right) noexcept 
 using FileName = FixedText<NAME_MAX + 1>;
 
 // The next name in byte order, behind after, of those in the directory that equal wanted but for the case of
-// letters; empty if there is none, or the directory cannot be read. Reads the entries by the system call, since the C library's directory streams
-// take heap memory.
+// letters; empty if there is none, or the directory cannot be read. Reads the entries by the system call, since the C
+// library's directory streams take heap memory.
 FileName next_without_case(int directoryHandle, std::string_view wanted, std::string_view after) noexcept {
     FileName next;
     alignas(dirent64) std::array<char, 4096> entries;

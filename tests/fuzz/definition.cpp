@@ -59,6 +59,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const NoHandleLeft handles;
     const int code = l.codes[0];
     const Transformed done = transform(memory().path(), code, code, {1, 2, 3});
+    const Transformed again = transform(memory().path(), code, code, {1, 2, 3});
+    EXPECT_EQ(again.status, done.status);
+    EXPECT_TRUE(same_bits(again.result, done.result));
     if (l.status != 0 || l.names.empty()) {
         EXPECT_EQ(done.status, l.status == 0 ? 93 : l.status);
         EXPECT_EQ(done.auxiliary, (std::array{-1, -1}));

@@ -34,8 +34,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     expected += u'\0';
     EXPECT_LE(expected.size(), place == std::u16string::npos ? 129 : 91 + name.size() - 1);
-    Buffer<char16_t> buffer(expected.size(), u'x');  // not a unit more
-    transfm_dll(code, Buffer<char16_t>(name).get(), buffer.get());
-    EXPECT_TRUE(std::ranges::equal(buffer.values(), expected)) << code;
+    const NoHandleLeft handles;
+    for (const char16_t before : {u'x', u'y'}) {
+        Buffer<char16_t> buffer(expected.size(), before);  // not a unit more
+        transfm_dll(code, Buffer<char16_t>(name).get(), buffer.get());
+        EXPECT_TRUE(std::ranges::equal(buffer.values(), expected)) << code;
+    }
     return 0;
 }
