@@ -10,10 +10,10 @@
 #include <utility>
 #include <vector>
 
-#include "commands.h"
-#include "description.h"
-#include "output.h"
-#include "platform.h"
+#include "commands/commands.h"
+#include "help/description.h"
+#include "system/output.h"
+#include "system/platform.h"
 
 namespace cli {
 

@@ -12,8 +12,8 @@
 #include <tuple>
 
 #include "base/angles.h"
-#include "engine/datum_step.h"
-#include "engine/geocentric.h"
+#include "geodesy/datum_step.h"
+#include "geodesy/geocentric.h"
 #include "support.h"
 
 using namespace testing_support;

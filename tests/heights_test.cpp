@@ -10,7 +10,7 @@
 
 #include "base/angles.h"
 #include "base/system_description.h"
-#include "engine/datum_step.h"
+#include "geodesy/datum_step.h"
 #include "heights/height_anomaly.h"
 #include "support.h"
 

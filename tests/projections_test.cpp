@@ -14,7 +14,7 @@
 
 #include "base/angles.h"
 #include "base/int_cast.h"
-#include "engine/plane_reductions.h"
+#include "geodesy/plane_reductions.h"
 #include "engine/plane_systems.h"
 #include "projections_as_written.h"
 #include "support.h"

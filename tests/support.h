@@ -23,7 +23,7 @@
 #include <vector>
 
 #include "base/system_description.h"
-#include "engine/geocentric.h"
+#include "geodesy/geocentric.h"
 #include "interface/lagestatus.h"
 
 namespace testing_support {

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "base/status.h"
-#include "engine/geocentric.h"
 #include "engine/side.h"
+#include "geodesy/geocentric.h"
 
 namespace lagestatus {
 

@@ -5,8 +5,8 @@
 #include <span>
 
 #include "base/angles.h"
-#include "engine/datum_step.h"
 #include "engine/plane_systems.h"
+#include "geodesy/datum_step.h"
 
 namespace lagestatus {
 namespace {

@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "base/projection_kind.h"
-#include "engine/geocentric.h"
-#include "engine/plane_reductions.h"
-#include "engine/zones.h"
+#include "geodesy/geocentric.h"
+#include "geodesy/plane_reductions.h"
+#include "geodesy/zones.h"
 
 namespace lagestatus {
 

@@ -7,8 +7,8 @@
 
 #include "base/angles.h"
 #include "base/int_cast.h"
-#include "engine/datum_step.h"
-#include "engine/geocentric.h"
+#include "geodesy/datum_step.h"
+#include "geodesy/geocentric.h"
 #include "heights/height_model_file.h"
 
 // Symbols: index G for GRS80, B for Bessel, R for the fundamental point Rauenberg; V the auxiliary root of the latitude,

@@ -8,7 +8,7 @@
 #include "base/system_description.h"
 #include "datafiles/data_file.h"
 #include "datafiles/line_reader.h"
-#include "engine/geocentric.h"
+#include "geodesy/geocentric.h"
 
 namespace lagestatus {
 

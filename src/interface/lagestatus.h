@@ -129,7 +129,7 @@ typedef char16_t lagestatus_char;
 
 #if defined(_WIN32) && defined(LAGESTATUS_BUILD)
 #define LAGESTATUS_API __declspec(dllexport)
-#elif defined(_WIN32)
+#elif defined(_WIN32) && !defined(LAGESTATUS_STATIC)
 #define LAGESTATUS_API __declspec(dllimport)
 #elif defined(__GNUC__)
 #define LAGESTATUS_API __attribute__((visibility("default")))

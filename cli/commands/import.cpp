@@ -1,0 +1,195 @@
+// import: a parameter file from published parameters.
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+#include "keeper/directory.h"
+#include "keeper/import_steps.h"
+#include "system/files.h"
+#include "system/numbers.h"
+#include "system/output.h"
+
+namespace cli {
+
+double number_in(const char* option, const std::string& text) {
+    const std::optional<double> value = number_of(text);
+    if (!value) {
+        throw Refused(std::string(option) + " " + text + ": is no number");
+    }
+    return *value + 0.0;  // no negative zero
+}
+
+double number_in(const char* option, const std::string& text, double ifNotGiven) {
+    return text.empty() ? ifNotGiven : number_in(option, text);
+}
+
+std::vector<double> numbers_in(const char* option, const std::string& text) {
+    std::optional<std::vector<double>> values = numbers_of(text);
+    if (!values) {
+        throw Refused(std::string(option) + " " + text +
+                      ": must be numbers with commas between them, and no blanks");
+    }
+    for (double& value : *values) {
+        value += 0.0;
+    }
+    return *values;
+}
+
+std::string short_text(double value) {
+    const std::string text = data_text(value);
+    return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;
+}
+
+std::string quoted_text(const char* option, const std::string& text, std::size_t longest) {
+    const std::optional<std::string> bytes = latin1(text);
+    const auto isControl = [](char character) {
+        const auto byte = static_cast<unsigned char>(character);
+        return byte < 0x20 || (byte >= 0x7F && byte < 0xA0);
+    };
+    const std::string which = std::string(option) + " " + text + ": ";
+    if (!bytes || std::any_of(bytes->begin(), bytes->end(), isControl)) {
+        throw Refused(which + "may have the printable characters of ISO 8859-1 only");
+    }
+    if (bytes->empty() || bytes->size() > longest) {
+        throw Refused(which + "must have 1 to " + std::to_string(longest) + " characters, and has " +
+                      std::to_string(bytes->size()));
+    }
+    if (bytes->find('"') != std::string::npos) {
+        throw Refused(which + "may have no quotation marks");
+    }
+    return text;
+}
+
+void refuse_given(std::initializer_list<Given> several, const std::string& why) {
+    for (const auto& [option, text] : several) {
+        if (!text.empty()) {
+            throw Refused(
+                std::string(option).append(" ").append(text).append(": has no meaning ").append(why));
+        }
+    }
+}
+
+namespace {
+
+struct Imported {
+    std::string text;
+    std::string report;
+};
+
+Imported imported(const ImportOptions& options) {
+    Definition definition;
+    if (!options.hubCode.empty() && options.directory.empty()) {
+        throw Refused("--hub " + options.hubCode + ": the directory -d that lists it is missing");
+    }
+    if (!options.directory.empty() && !open_directory(options.directory, definition)) {
+        throw Refused("-d " + options.directory + ": cannot be used");
+    }
+    ParameterText content;
+    const std::optional<int> code = integer_of(options.code);
+    if (!code) {
+        throw Refused("CODE " + options.code + ": is no whole number of 32 bits");
+    }
+    content.code = *code;
+    content.name = quoted_text("--name", options.name, LAGESTATUS_NAME_SIZE - 1);
+    content.kind = options.kind;
+    content.headComments = {content.name +
+                            ", geschrieben von lagestatus import aus veröffentlichten Parametern."};
+    set_ellipsoid(content, options);
+    set_projection(content, options);
+    set_datum(content, options, definition);
+
+    const std::string text = text_of(content);
+    const BothRoles system = {system_of(text, Role::source), system_of(text, Role::target)};
+    Imported done = {latin1(text).value(), report_of(system, content, options)};
+    note_equal_names(system, content.code, options, definition);
+    return done;
+}
+
+int import_system(const ImportOptions& options) {
+    const bool toFile = !options.output.empty() && options.output != "-";
+    try {
+        if (toFile && !options.output.ends_with(".tra")) {
+            throw Refused("-o " + options.output + ": a parameter file's name ends in .tra");
+        }
+        const Imported done = imported(options);
+        if (toFile) {
+            write_file(options.output, done.text, options.force ? Existing::replace : Existing::refuse);
+            put(done.report);
+        } else {
+            OutputFile standard;
+            standard.write(done.text);
+            standard.complete();
+            std::fwrite(done.report.data(), 1, done.report.size(), stderr);
+        }
+    } catch (const Refused& refusal) {
+        complain(refusal.what());
+        return nothingDone;
+    } catch (const NotCarried& error) {
+        complain(error.what());
+        return nothingDone;
+    }
+    return allGood;
+}
+
+}  // namespace
+
+void add_import(CLI::App& program, int& exitStatus) {
+    const auto options = std::make_shared<ImportOptions>();
+    CLI::App& command = *program.add_subcommand("import", "Write a parameter file from published parameters");
+    const auto add = [&command](const char* names, std::string& text, const char* type,
+                                const char* description) {
+        return command.add_option(names, text, description)->type_name(type);
+    };
+    add("CODE", options->code, "", "Lagestatus of the system")->required();
+    add("-o,--output", options->output, "FILE.tra", "File to write; without it, standard output");
+    command.add_flag("--force", options->force, "Replace an existing file");
+    add("--name", options->name, "TEXT", "Name of the system")->required();
+    add("--kind", options->kind, "KIND", "Kind of projection")
+        ->required()
+        ->check(CLI::IsMember({"Geographisch", "Geozentrisch", "Gauss-Krueger", "Soldner"}));
+    const CLI::IsMember conventions({"position_vector", "coordinate_frame"});
+    add("--ellipsoid", options->ellipsoid, "NAME",
+        "Bessel 1841, GRS80, WGS84, Krassowski 1940, International 1924 (Hayford), Airy 1830, Clarke 1866, "
+        "Clarke 1880 (IGN)");
+    add("--ellipsoid-name", options->ellipsoidName, "TEXT",
+        "Its name in the file: equal names are one datum, and one that begins with Bessel is the Bessel "
+        "datum");
+    add("--a", options->semiMajorAxis, "METRES", "Semi-major axis");
+    add("--rf", options->inverseFlattening, "NUMBER", "Inverse flattening");
+    add("--b", options->semiMinorAxis, "METRES", "Semi-minor axis");
+    add("--lat-0", options->latitude, "DEGREES", "Latitude of origin");
+    add("--lon-0", options->longitude, "DEGREES", "Longitude of origin, the central meridian");
+    add("--k-0", options->scale, "NUMBER", "Scale of the meridian");
+    add("--x-0", options->easting, "METRES", "False easting; the millions are the strip number");
+    add("--y-0", options->northing, "METRES", "False northing");
+    add("--strips", options->strips, "WIDTH[,OFFSET]",
+        "Strips instead of one meridian: strip z has the meridian WIDTH z + OFFSET, in degrees");
+    add("--towgs84", options->set, "NUMBERS",
+        "From the system to WGS84/ETRS89: dx,dy,dz in metres or dx,dy,dz,rx,ry,rz,ds with arc seconds and "
+        "ppm");
+    add("--convention", options->convention, "WORD", "What its rotations turn")->check(conventions);
+    add("--reduction", options->reduction, "X,Y,Z",
+        "Point that it turns about (Molodensky-Badekas), in metres");
+    add("--hub-towgs84", options->hubSet, "NUMBERS",
+        "From the Bessel datum to WGS84/ETRS89, in the same way");
+    add("--hub-convention", options->hubConvention, "WORD", "Its convention")->check(conventions);
+    add("--hub-reduction", options->hubReduction, "X,Y,Z", "Its point");
+    add("--hub", options->hubCode, "CODE", "Or: the system of a data directory whose second column this is");
+    add("-d,--dir", options->directory, "DIR", "The data directory");
+    add("--area", options->area, "W,S,E,N", "Area of use in degrees, where the file is tried");
+    add("--point", options->point, "COORDINATES",
+        "A point in the system to show; without it, the area's centre");
+    add_examples(
+        command,
+        "lagestatus import 303 -o data/system-42-83.tra --name \"System 42/83\" --kind Gauss-Krueger \\\n"
+        "    --ellipsoid \"Krassowski 1940\" --strips 3 --x-0 500000 --convention position_vector \\\n"
+        "    --towgs84 24.9,-126.4,-93.2,-0.063,-0.247,-0.041,1.01 --hub 201 -d data");
+    command.callback([options, &exitStatus] { exitStatus = import_system(*options); });
+}
+
+}  // namespace cli

@@ -1,0 +1,93 @@
+// Points carried there and back: what a system's description is worth.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <stdexcept>
+#include <string>
+
+#include "keeper/library.h"
+
+namespace cli {
+
+using Point = std::array<double, 3>;
+
+// A system's description in both roles.
+struct BothRoles {
+    System source;
+    System target;
+};
+
+// A system that has no more than an ellipsoid.
+System neutral_system(const std::string& kind, const std::string& ellipsoid, double semiMajorAxis,
+                      double semiMinorAxis);
+
+// A system of another kind in the same datum.
+System of_kind(System system, const std::string& kind);
+
+// A point that the library refuses; status 0: whose result is no finite number.
+class NotCarried : public std::runtime_error {
+  public:
+    explicit NotCarried(int refusal);
+    [[nodiscard]] int status() const noexcept { return refusedWith; }
+
+  private:
+    int refusedWith;
+};
+
+std::string refusal_text(int status, const std::string& fileName);
+
+// Throws NotCarried.
+Point carried(const Road& road, const Point& point);
+Point carried(const Point& point, const System& source, const System& target);
+
+// Places at equal distances, in degrees.
+struct Range {
+    double first;
+    double last;
+    int count;
+
+    [[nodiscard]] double at(int index) const { return first + (last - first) * index / (count - 1); }
+    [[nodiscard]] double middle() const { return (first + last) / 2; }
+};
+
+struct Area {
+    Range latitude;
+    Range longitude;
+};
+
+// "52.5 N, 13.4 E"
+std::string place_text(double latitude, double longitude);
+
+// Calls use(latitude, longitude) for the places of an area.
+template <typename Use>
+void for_each_place(const Area& area, Use use) {
+    for (int row = 0; row < area.latitude.count; ++row) {
+        for (int column = 0; column < area.longitude.count; ++column) {
+            use(area.latitude.at(row), area.longitude.at(column));
+        }
+    }
+}
+
+struct Closure {
+    std::size_t points = 0;  // that went all the way
+    double largest = 0.0;    // metres
+    double mean = 0.0;       // metres
+};
+
+struct Failure {
+    std::size_t count = 0;
+    std::string firstPlace;
+};
+
+struct Closures {
+    Closure own;                      // from latitude and longitude in its own datum to the system, and back
+    Closure bessel;                   // from the system into the Bessel datum, and back; not if it lies there
+    std::map<int, Failure> failures;  // by their status
+    std::size_t outOfReach = 0;       // points that the decadic complement leaves no unambiguous value
+};
+
+Closures closures_of(const BothRoles& system, const Area& area);
+
+}  // namespace cli

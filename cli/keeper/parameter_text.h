@@ -1,0 +1,70 @@
+// The text of a parameter file: its forty data lines, each under a comment, and what the library would make of them.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "keeper/library.h"
+
+namespace cli {
+
+// A similarity Q = translation + scale R (P - reduction) between geocentric systems, as parameter files have it:
+// metres, radians, and a positive angle turns the coordinate frame.
+struct Similarity {
+    std::array<double, 3> translation = {};
+    std::array<double, 3> rotation = {};
+    double scale = 1.0;
+    std::array<double, 3> reduction = {};
+
+    bool operator==(const Similarity&) const = default;
+
+    // Whether it counts as an intermediate set: by its translation and angles alone.
+    [[nodiscard]] bool is_seen_as_intermediate() const;
+    [[nodiscard]] bool changes_nothing() const { return *this == Similarity(); }
+};
+
+// The set of the first stage in a system's parameters.
+Similarity main_set_of(const System& system);
+void set_main_set(System& system, const Similarity& set);
+
+// One column: the main set leads to where the intermediate set leads from the end of the way; that is undone.
+struct DatumStep {
+    Similarity main;
+    Similarity intermediate;
+};
+
+struct ParameterText {
+    int code = 0;
+    std::string name;
+    std::string ellipsoid;
+    std::string kind;
+    std::string latitudeOfOrigin = "0.0";   // degrees
+    std::string longitudeOfOrigin = "0.0";  // degrees or a layout of strips, and the zone number
+    double additiveY = 0.0;
+    double additiveX = 0.0;
+    double meridianScale = 1.0;
+    double semiMajorAxis = 0.0;
+    double semiMinorAxis = 0.0;
+    DatumStep intoBessel;
+    DatumStep outOfBessel;
+
+    // Comments without their "# ", ahead of the file and of what they explain.
+    std::vector<std::string> headComments;
+    std::vector<std::string> originComments;
+    std::vector<std::string> ellipsoidComments;
+    std::vector<std::string> datumComments;
+};
+
+// The file in UTF-8.
+std::string text_of(const ParameterText& content);
+
+// What the library reads from such a text.
+System system_of(const std::string& text, Role role);
+
+// The text in ISO 8859-1; nothing if it has other characters.
+std::optional<std::string> latin1(std::string_view utf8);
+
+}  // namespace cli

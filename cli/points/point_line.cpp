@@ -1,0 +1,201 @@
+#include "points/point_line.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+#include "points/angle_text.h"
+#include "system/numbers.h"
+
+namespace cli {
+namespace {
+
+constexpr std::string_view blankCharacters = " \t\v\f";
+
+bool is_blank(char character) {
+    return character <= ' ' &&
+           (character == ' ' || character == '\t' || character == '\v' || character == '\f');
+}
+
+// Whether a field is meant as a number, however it goes on.
+bool looks_like_number(std::string_view field) {
+    const std::size_t unsignedPart = field.find_first_not_of("+-.,");
+    if (unsignedPart != std::string_view::npos && field[unsignedPart] >= '0' && field[unsignedPart] <= '9') {
+        return true;
+    }
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+    return error == std::errc() && end == field.data() + field.size();  // nan, inf
+}
+
+}  // namespace
+
+bool is_passed_through(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(blankCharacters);
+    return first == std::string_view::npos || line[first] == '#';
+}
+
+char recognised_delimiter(std::string_view line, LineForm form) {
+    for (const char delimiter : {';', '\t', ',', blanks}) {
+        if (delimiter != blanks &&
+            (line.find(delimiter) == std::string_view::npos || (delimiter == ',' && form.decimalComma))) {
+            continue;
+        }
+        form.delimiter = delimiter;
+        PointLine read;
+        LineReader(form).read(line, read);
+        if (read.error.empty()) {
+            return delimiter;
+        }
+    }
+    for (const char delimiter : {';', '\t'}) {
+        if (line.find(delimiter) != std::string_view::npos) {
+            return delimiter;
+        }
+    }
+    // A comma between numbers that stand between blanks is a decimal one.
+    const bool hasBlanks = line.find_first_of(blankCharacters) != std::string_view::npos;
+    const auto commas = static_cast<std::size_t>(std::count(line.begin(), line.end(), ','));
+    return !form.decimalComma && !hasBlanks && commas >= std::max<std::size_t>(form.columns.size(), 2)
+               ? ','
+               : blanks;
+}
+
+LineReader::LineReader(const LineForm& lineForm)
+    : form(lineForm), wanted(*std::max_element(form.columns.begin(), form.columns.end()) + 1) {}
+
+void LineReader::split(std::string_view line) {
+    spans.clear();
+    const auto skipBlanks = [&](std::size_t at) {
+        while (at < line.size() && is_blank(line[at])) {
+            ++at;
+        }
+        return at;
+    };
+    // Where a field in quotes that begins here ends; two quotes stand for one in it. Not a quote: where it begins.
+    const auto behindQuotes = [&](std::size_t at) {
+        const std::size_t begin = at;
+        while (at < line.size() && line[at] == '"') {
+            at = line.find('"', at + 1);
+            if (at == std::string_view::npos) {
+                return begin;  // the quote is never closed: a sign like any other
+            }
+            ++at;
+        }
+        return at;
+    };
+    if (form.delimiter == blanks) {
+        for (std::size_t at = skipBlanks(0); at < line.size() && spans.size() < wanted; at = skipBlanks(at)) {
+            const std::size_t begin = at;
+            at = behindQuotes(at);
+            while (at < line.size() && !is_blank(line[at])) {
+                ++at;
+            }
+            spans.push_back({begin, at});
+        }
+        return;
+    }
+    for (std::size_t at = 0; at <= line.size() && spans.size() < wanted; ++at) {
+        Span span = {at, at};
+        at = std::min(
+            line.find(form.delimiter, behindQuotes(std::min(line.find_first_not_of(' ', at), line.size()))),
+            line.size());
+        span.end = at;
+        while (span.begin < span.end && is_blank(line[span.begin])) {
+            ++span.begin;
+        }
+        while (span.end > span.begin && is_blank(line[span.end - 1])) {
+            --span.end;
+        }
+        spans.push_back(span);
+    }
+}
+
+std::array<std::optional<Span>, 3> LineReader::fields_of(std::string_view line) {
+    split(line);
+    std::array<std::optional<Span>, 3> fields;
+    for (std::size_t part = 0; part < form.columns.size(); ++part) {
+        if (form.columns[part] < spans.size()) {
+            fields[part] = spans[form.columns[part]];
+        }
+    }
+    return fields;
+}
+
+void LineReader::read(std::string_view line, PointLine& result) {
+    result.point = {};
+    result.fields = fields_of(line);
+    result.hasHeight = false;
+    result.error.clear();
+    read_fields(line, result);
+}
+
+std::string_view LineReader::content_of(std::string_view line, const std::optional<Span>& place) {
+    if (!place) {
+        return "";
+    }
+    const std::string_view field = line.substr(place->begin, place->end - place->begin);
+    if (field.size() < 2 || field.front() != '"' || field.back() != '"') {
+        return field;
+    }
+    unquoted = field.substr(1, field.size() - 2);
+    for (std::size_t at = unquoted.find("\"\""); at != std::string::npos;
+         at = unquoted.find("\"\"", at + 1)) {
+        unquoted.erase(at, 1);
+    }
+    return unquoted;
+}
+
+bool LineReader::read_coordinate(std::string_view field, std::size_t part, double& value) {
+    if (form.decimalComma) {
+        if (field.find('.') != std::string_view::npos) {
+            return false;
+        }
+        withPoint = field;
+        std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+        field = withPoint;
+    }
+    if (const std::optional<double> number = number_of(field)) {
+        value = *number;
+        return true;
+    }
+    constexpr std::size_t heightPart = 2;
+    if (!form.angles || part == heightPart) {
+        return false;
+    }
+    const auto angle = read_angle(field, part == 0 ? Hemisphere::latitude : Hemisphere::longitude);
+    value = angle.value_or(0.0);
+    return angle.has_value();
+}
+
+void LineReader::read_fields(std::string_view line, PointLine& result) {
+    constexpr std::size_t longestExcerpt = 60;
+    if (form.looksForHeight && form.columns.size() > 2) {
+        // Text of the line is no height, and stays what it is whatever becomes of the line.
+        const std::string_view field = content_of(line, result.fields[2]);
+        const bool emptyColumn = field.empty() && form.delimiter != blanks;
+        if (!emptyColumn && !looks_like_number(field)) {
+            result.fields[2].reset();
+        }
+    }
+    for (std::size_t part = 0; part < form.columns.size(); ++part) {
+        const bool isHeight = part == 2;
+        const std::string_view field = content_of(line, result.fields[part]);
+        if (field.empty()) {
+            if (!isHeight) {
+                result.error = "no coordinate in column " + std::to_string(form.columns[part] + 1);
+            }
+            return;
+        }
+        if (!read_coordinate(field, part, result.point[part])) {
+            const bool comma =
+                !form.decimalComma && form.delimiter != ',' && field.find(',') != std::string_view::npos;
+            result.error = "not a number: \"" + std::string(field.substr(0, longestExcerpt)) + "\"" +
+                           (comma ? " (--decimal-comma?)" : "");
+            return;
+        }
+        result.hasHeight = isHeight;
+    }
+}
+
+}  // namespace cli

@@ -1,0 +1,107 @@
+// The rows of a run: from lines of points to lines of points.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "keeper/library.h"
+#include "points/plausibility.h"
+#include "points/point_line.h"
+
+namespace cli {
+
+// What is written, beside where.
+struct WrittenForm {
+    int metreDecimals = 4;
+    int degreeDecimals = 9;  // with minutes and seconds, of the seconds
+    bool withSeconds = false;
+    bool exchanged =
+        false;  // the first two change places: the one side has the easting first, the other behind
+};
+
+struct RunOptions {
+    bool normalGiven = false;   // the heights of the points are normal heights
+    bool normalWanted = false;  // a column of normal heights is wanted
+    bool latin1 = false;        // what is added to the lines is in ISO 8859-1 and not in UTF-8
+    WrittenForm written;
+};
+
+// What became of the points of a run, or of a part of it.
+struct Tally {
+    std::uint64_t rows = 0;
+    std::uint64_t unreadable = 0;
+    std::map<int, std::uint64_t> statuses;
+
+    void add(const Tally& other);
+    [[nodiscard]] bool all_good() const { return unreadable == 0 && statuses.empty(); }
+    // "3 of 10 points failed: 1 unreadable, 2 with status 1108".
+    [[nodiscard]] std::string summary() const;
+};
+
+// What is to be said about single lines.
+struct Report {
+    std::uint64_t line = 0;
+    std::string text;
+};
+
+// What the lines of one piece of a file gave.
+struct Written {
+    std::string text;
+    Tally tally;
+    std::vector<Report> errors;  // the first few
+    Report warning;              // the first; an empty text for none
+
+    void clear();
+};
+
+// Transforms points between two systems of a data directory. Any number of threads may use one at once.
+class PointWriter {
+  public:
+    // targetFile and modelFile: the target's parameter file and the height model, as messages name them.
+    PointWriter(const RunOptions& runOptions, const std::string& directory, const System& sourceSystem,
+                const System& targetSystem, std::string targetFile, std::string modelFile);
+
+    // Transforms whole lines, the first of which has the given number in its file.
+    void lines(std::string_view text, const LineForm& form, std::uint64_t firstLine, Written& written) const;
+
+    // A line that is too long to be read, as its row.
+    void overlong_line(const LineForm& form, std::uint64_t line, std::size_t limit, Written& written) const;
+
+    // A line of column names, with the names of the coordinates in their places.
+    [[nodiscard]] std::string heading(std::string_view line, const LineForm& form, bool hasHeight) const;
+
+    // The names of the columns alone, as a comment.
+    [[nodiscard]] std::string label(const LineForm& form, bool hasHeight) const;
+
+  private:
+    using Texts = std::array<std::string, 3>;
+
+    void line(std::string_view text, std::string_view end, std::uint64_t number, LineReader& reader,
+              const LineForm& form, PointLine& read, Written& written) const;
+    void point_row(std::string_view text, const LineForm& form, const PointLine& read,
+                   Written& written) const;
+    void unreadable_row(std::string_view text, std::uint64_t number, const LineForm& form,
+                        const PointLine& read, Written& written) const;
+    [[nodiscard]] bool writes_normal(const PointLine& read) const;
+    [[nodiscard]] Texts names() const;
+    [[nodiscard]] std::string reason_of(int status) const;
+    [[nodiscard]] std::string encoded(const std::string& text) const;
+
+    RunOptions options;
+    const System& source;
+    const System& target;
+    std::string targetFileName;
+    std::string modelFileName;
+    Road road;
+    Plausibility plausibility;
+    bool sourceGeocentric;
+    bool targetGeocentric;
+    bool targetGeographic;
+};
+
+}  // namespace cli
