@@ -4,26 +4,38 @@
 #include <array>
 #include <cstdint>
 #include <string_view>
-#include <utility>
 
 namespace lagestatus {
 
 enum class ProjectionKind : std::uint8_t { unknown, soldner, gaussKrueger, geographic, geocentric };
 
-// The kind that a text names. Only its beginning counts: "Soldner Berlin" is a Soldner system.
-[[nodiscard]] constexpr ProjectionKind projection_kind(std::string_view text) noexcept {
-    constexpr std::array<std::pair<std::string_view, ProjectionKind>, 4> kinds = {{
-        {"Soldner", ProjectionKind::soldner},
-        {"Gauss-Krueger", ProjectionKind::gaussKrueger},
-        {"Geographisch", ProjectionKind::geographic},
-        {"Geozentrisch", ProjectionKind::geocentric},
-    }};
-    for (const auto& [name, kind] : kinds) {
-        if (text.starts_with(name)) {
-            return kind;
+// What is known of a kind beside its formulas, which engine/plane_systems.cpp has for those that are plane.
+struct KindTraits {
+    ProjectionKind kind = ProjectionKind::unknown;
+    std::string_view name;  // as data files begin their text: "Soldner Berlin" is a Soldner system
+    bool isPlane = false;   // northing and easting in metres, on a projection
+    bool hasStrips =
+        false;  // the longitude of origin may be a layout of strips; their number leads the easting
+};
+
+inline constexpr std::array<KindTraits, 4> projectionKinds = {{
+    {ProjectionKind::soldner, "Soldner", true, false},
+    {ProjectionKind::gaussKrueger, "Gauss-Krueger", true, true},
+    {ProjectionKind::geographic, "Geographisch", false, false},
+    {ProjectionKind::geocentric, "Geozentrisch", false, false},
+}};
+
+// The kind that a text names by its beginning; the default row, of kind unknown, for any other text.
+[[nodiscard]] constexpr KindTraits kind_traits(std::string_view text) noexcept {
+    for (const KindTraits& row : projectionKinds) {
+        if (text.starts_with(row.name)) {
+            return row;
         }
     }
-    return ProjectionKind::unknown;
+    return {};
+}
+[[nodiscard]] constexpr ProjectionKind projection_kind(std::string_view text) noexcept {
+    return kind_traits(text).kind;
 }
 
 }  // namespace lagestatus
