@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <random>
 
+#include "datafiles/data_file.h"
 #include "datafiles/field_scanner.h"
 #include "datafiles/line_reader.h"
 #include "support.h"
@@ -32,24 +33,30 @@ TEST(FieldScanner, ReadsNumbersWithoutALocale) {
     }
 }
 
-// Lines as "kind:text", joined by "|"; comments have no text. The key is a number, or "read" for the file's own.
+// Lines as "kind:text", joined by "|"; comments have no text. The key is a number, 0 for plain lines, or "read" for
+// the file's own. The same from the file and from its bytes.
 std::string all_lines(const std::string& content, const std::string& keyText) {
+    const std::string all = keyText == "read" ? content : keyText + "\n" + content;
     const DataDirectory directory;
-    directory.write("file", content);
-    lagestatus::DataFile file;
-    EXPECT_TRUE(file.open(directory.path(), "file"));
-    int key = std::atoi(keyText.c_str());
-    if (keyText == "read" && lagestatus::read_key(file, key) != 0) {
-        return "no key";
+    directory.write("file", all);
+    std::array<std::string, 2> lines;
+    LineReader held(all);
+    LineReader streamed;
+    EXPECT_TRUE(streamed.open(directory.path(), "file"));
+    for (std::size_t at = 0; LineReader* const reader : {&held, &streamed}) {
+        std::string& found = lines[at++];
+        if (reader->read_key() != 0) {
+            found = "no key";
+            continue;
+        }
+        for (LineKind kind; (kind = reader->read()) != LineKind::end;) {
+            found += found.empty() ? "" : "|";
+            found += kind == LineKind::comment ? "#" : (kind == LineKind::quoted ? "q:" : "o:");
+            found += kind == LineKind::comment ? "" : std::string(reader->text());
+        }
     }
-    std::string lines;
-    lagestatus::Line line;
-    for (LineKind kind; (kind = lagestatus::read_line(file, line, key)) != LineKind::end;) {
-        lines += lines.empty() ? "" : "|";
-        lines += kind == LineKind::comment ? "#" : (kind == LineKind::quoted ? "q:" : "o:");
-        lines += kind == LineKind::comment ? "" : std::string(line.text());
-    }
-    return lines;
+    EXPECT_EQ(lines[0], lines[1]);
+    return lines[0];
 }
 
 TEST(LineReader, KnowsTheKindsOfLines) {
@@ -72,24 +79,42 @@ TEST(LineReader, SkipsWhatItWouldRead) {
         }
         content.resize(content.size() - random() % 2);
         content += random() % 4 == 0 ? "\n#" : "";
-        directory.write("lines", content);
         for (const int key : {0, 1, 7, 300, -1}) {
+            directory.write("lines", std::to_string(key) + "\n" + content);
+            LineReader reading;
+            LineReader skipping;
+            for (LineReader* const reader : {&reading, &skipping}) {
+                ASSERT_TRUE(reader->open(directory.path(), "lines") && reader->read_key() == 0);
+            }
             const int count = static_cast<int>(random() % 60);
-            Line line;
-            DataFile reading;
-            DataFile skipping;
-            ASSERT_TRUE(reading.open(directory.path(), "lines") && skipping.open(directory.path(), "lines"));
             int expected = 0;
             for (int number = 0; number < count && expected == 0; ++number) {
-                expected = next_data_line(reading, line, key);
+                expected = reading.next();
             }
-            ASSERT_EQ(skip_data_lines(skipping, key, count), expected);
-            ASSERT_EQ(skipping.available().substr(0, 1), reading.available().substr(0, 1));
-            Line next;
-            ASSERT_EQ(next_data_line(skipping, next, key), next_data_line(reading, line, key));
-            ASSERT_EQ(next.text(), line.text());
+            ASSERT_EQ(skipping.skip(count), expected);
+            ASSERT_EQ(skipping.next(), reading.next());
+            ASSERT_EQ(skipping.text(), reading.text());
+            ASSERT_EQ(skipping.number(), reading.number());
+            ASSERT_EQ(skipping.last_overlong(), reading.last_overlong());
         }
     }
+}
+
+// Where a keeper is told that something is wrong: the lines of the file, whatever is passed over on the way to them.
+TEST(LineReader, CountsTheLinesOfTheFile) {
+    const std::string longest = repeated(998, 'x') + "\n";
+    const std::string file =
+        "\n0\r\n\n  first\r\n# comment\r\n\n" + longest + repeated(999, 'x') + "y\n" + longest + "last";
+    LineReader reader(file);
+    const std::array<std::array<std::int64_t, 2>, 6> expected = {
+        {{4, 0}, {7, 0}, {8, 0}, {8, 8}, {9, 8}, {10, 8}}};
+    ASSERT_EQ(reader.read_key(), 0);
+    for (const auto& [number, overlong] : expected) {
+        ASSERT_EQ(reader.next(), 0);
+        EXPECT_EQ(reader.number(), number);
+        EXPECT_EQ(reader.last_overlong(), overlong);
+    }
+    EXPECT_EQ(reader.next(), 100);
 }
 
 TEST(LineReader, FoldsLineEndsAcrossBlocks) {

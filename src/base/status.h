@@ -1,4 +1,4 @@
-// Status codes: 0 is success, every other value names a failure. The texts are in interface/messages.cpp.
+// Status codes: 0 is success, every other value names a failure. The texts are in base/messages.cpp.
 #pragma once
 
 namespace lagestatus {
@@ -15,14 +15,20 @@ inline constexpr Status definitionHead = 2;
 inline constexpr Status definitionEntryCode = 600;
 inline constexpr Status definitionEntryName = 700;
 
-// Parameter files. The fields' own codes (8 to 48, and 70 to 89 for the second column) stand in the table of
-// datafiles/parameter_file.cpp; those that are needed elsewhere have names here.
+// One code for each of the entries that a definition file can have.
+inline constexpr Status definitionEntries = 100;
+
+// Parameter files. The fields' own codes (8 to 48) stand in the table of datafiles/parameter_file.cpp; those that are
+// needed elsewhere have names here. The two-column fields, 29 to 48, have theirs for the second column 41 above.
 inline constexpr Status parameterFileNotOpened = 7;
 inline constexpr Status codeUnreadable = 8;
 inline constexpr Status codeDiffers = 9;
 inline constexpr Status projectionKind = 12;
-inline constexpr Status longitudeOfOrigin =
-    14;  // also of the pipeline: a zone layout that gives a target no zone
+// Also of the pipeline: a zone layout that gives a target no zone.
+inline constexpr Status longitudeOfOrigin = 14;
+inline constexpr Status firstTwoColumns = 29;
+inline constexpr Status lastTwoColumns = 48;
+inline constexpr Status secondColumn = 41;
 
 // A data file that ends, or fails to be read, before the line that is due.
 inline constexpr Status fileEnds = 100;

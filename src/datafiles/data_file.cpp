@@ -49,16 +49,26 @@ bool DataFile::open(std::string_view directory, std::string_view name) noexcept 
     return handle != noFile;
 }
 
+// As read_data_file.
+std::ptrdiff_t DataFile::read_block(char* bytes) noexcept {
+    if (handle != noFile) {
+        return read_data_file(handle, bytes, blockSize);
+    }
+    const std::size_t count = held.copy(bytes, blockSize);
+    held.remove_prefix(count);
+    return static_cast<std::ptrdiff_t>(count);
+}
+
 bool DataFile::refill() noexcept {
     position = 0;
     end = 0;
-    while (end == 0 && handle != noFile && !readFailed) {
+    while (end == 0 && !readFailed) {
         char* const start = buffer.data();
         std::size_t filled = 0;
         if (carriageReturnHeld) {
             start[filled++] = '\r';
         }
-        const std::ptrdiff_t bytes = read_data_file(handle, start + filled, blockSize);
+        const std::ptrdiff_t bytes = read_block(start + filled);
         if (bytes < 0) {
             readFailed = true;
             return false;

@@ -9,13 +9,15 @@
 
 namespace lagestatus {
 
-// A byte source over one regular file. Every pair of carriage return and line feed is delivered as one line feed,
+// A byte source over one regular file, or over bytes that the caller holds. Every pair of carriage return and line feed is delivered as one line feed,
 // on every platform; a lone carriage return and byte 26 are ordinary bytes. No heap memory, no locale.
 class DataFile {
   public:
     static constexpr std::size_t maxDirectory = 299;  // characters
 
     DataFile() noexcept = default;
+    // Of bytes in the caller's memory, which outlive it; open() is then not to be called.
+    explicit DataFile(std::string_view heldBytes) noexcept : held(heldBytes) {}
     ~DataFile();
     DataFile(const DataFile&) = delete;
     DataFile& operator=(const DataFile&) = delete;
@@ -43,9 +45,12 @@ class DataFile {
     // Fills the buffer with the next block, line ends folded; false at the end of the file or on an error.
     bool refill() noexcept;
 
+    std::ptrdiff_t read_block(char* bytes) noexcept;
+
     static constexpr std::size_t blockSize = 16384;
 
     FileHandle handle = noFile;
+    std::string_view held;  // what is left of bytes in memory, where there is no file
     bool readFailed = false;
     bool carriageReturnHeld = false;  // last byte of the previous block, its fate still open
     std::size_t position = 0;

@@ -7,10 +7,12 @@
 
 #include "base/fixed_text.h"
 #include "base/status.h"
+#include "datafiles/line_reader.h"
 
 namespace lagestatus {
 
-inline constexpr std::size_t maxEntries = 100;
+inline constexpr std::string_view definitionFileName = "DEFAULT";
+inline constexpr std::size_t maxEntries = status::definitionEntries;
 inline constexpr int noAuxiliary = -1;
 
 // Longest directory and base name, with the terminator.
@@ -23,8 +25,10 @@ struct DefinitionEntry {
 };
 
 struct DefinitionRecord {
-    bool scrambled = false;    // the parameter files are scrambled and end in .tr0
-    int count = 0;             // entries the head line announces, at most 100; 0 or less: none
+    int announced = 0;         // entries, by the head line
+    int flag = 0;              // the number behind that, 0 when there is none
+    bool scrambled = false;    // flag 1: the parameter files are scrambled and end in .tr0
+    int count = 0;             // entries announced, at most 100; 0 or less: none
     std::size_t complete = 0;  // entries read in full; equal to count on success when count is above 0
     std::array<DefinitionEntry, maxEntries> entries;
 };
@@ -36,5 +40,8 @@ struct DefinitionRecord {
 //                      700 + i code or name of entry i (from 0) unreadable
 //           record     on failure: what was read before it; after 1 and 2 only the starting values
 [[nodiscard]] Status read_definition_file(std::string_view directory, DefinitionRecord& record) noexcept;
+
+// The same from a reader of the open file, for callers that want to ask it where it stands.
+[[nodiscard]] Status read_definition(LineReader& lines, DefinitionRecord& record) noexcept;
 
 }  // namespace lagestatus

@@ -38,6 +38,9 @@ class FieldScanner {
     // One character, which must be the very next: no blanks before it are taken.
     [[nodiscard]] bool literal(char expected) noexcept;
 
+    // What is left of the line.
+    [[nodiscard]] std::string_view remaining() const noexcept { return rest; }
+
   private:
     bool sign(bool& negative) noexcept;
 

@@ -11,20 +11,6 @@
 
 namespace lagestatus {
 
-// One line as read_line delivers it: starting at its first non-blank character, with its line feed if it had one.
-struct Line {
-    static constexpr std::size_t maxLength = 999;
-
-    std::array<char, maxLength> bytes;
-    std::size_t length = 0;
-
-    // What the fields are read from: everything before the first zero byte.
-    [[nodiscard]] std::string_view text() const noexcept {
-        const std::string_view all(bytes.data(), length);
-        return all.substr(0, all.find('\0'));
-    }
-};
-
 enum class LineKind {
     comment,   // first character "#"; its text is consumed and not stored
     ordinary,  // any other line
@@ -32,28 +18,71 @@ enum class LineKind {
     end,       // end of the file, read error or negative key
 };
 
-// Reads the next line that is not blank.
+// Reads one data file line by line.
 //
-// Given:    file  an open file, behind its key line if it has one
-//           key   scrambling key; 0: plain lines; above 0: the stored character s at position j of a line stands
-//                 for (s - key + 1 + j mod key) mod 256; position 0 is the line's first non-blank character, a
-//                 stored line feed ends the line and is never de-scrambled; below 0: LineKind::end, nothing read
-// Returned: the kind; line holds the text for the kinds ordinary and quoted, and nothing of use otherwise
-//
-// A line holds at most 999 characters, line feed included, a comment 999 behind its "#"; what is left over is a
-// line of its own. Blanks are those of the "C" locale.
-[[nodiscard]] LineKind read_line(DataFile& file, Line& line, int key) noexcept;
+// A line begins at its first character that is no blank (those of the "C" locale) and holds at most maxLength
+// characters, its line feed included, a comment as many behind its "#"; what is left over is a line of its own.
+// In a scrambled file the count of positions begins anew with each line, and a stored line feed ends it (LineShift).
+class LineReader {
+  public:
+    static constexpr std::size_t maxLength = 999;
 
-// Reads the next data line, comments skipped. Returns status::ok, or status::fileEnds when there is none.
-[[nodiscard]] Status next_data_line(DataFile& file, Line& line, int key) noexcept;
+    LineReader() noexcept = default;
+    // Of bytes in the caller's memory, which outlive it.
+    explicit LineReader(std::string_view heldBytes) noexcept : file(heldBytes) {}
 
-// Passes over count data lines, comments not counted, and keeps nothing of them: beyond its first character a line is
-// only searched for its end. Returns status::ok, or status::fileEnds when there are fewer.
-[[nodiscard]] Status skip_data_lines(DataFile& file, int key, std::int64_t count) noexcept;
+    // As DataFile::open.
+    [[nodiscard]] bool open(std::string_view directory, std::string_view name) noexcept {
+        return file.open(directory, name);
+    }
 
-// Reads the head of a file that may be scrambled: its key, a decimal integer in plain text, blanks before it
-// allowed, and the one character that must follow. Values beyond 32 bits become the nearest 32-bit value.
-// Returns status::ok, or status::fileEnds when there is no integer or nothing behind it; key is then unchanged.
-[[nodiscard]] Status read_key(DataFile& file, int& key) noexcept;
+    // Reads the head of a file that may be scrambled: its key, a decimal integer in plain text, blanks before it
+    // allowed, and the one character that must follow. Values beyond 32 bits become the nearest 32-bit value; 0 stands
+    // for plain lines, behind a negative key nothing is read. A file whose key is not read has plain lines.
+    // Returned: status::ok, or status::fileEnds when there is no integer or nothing behind it; the key is then 0.
+    [[nodiscard]] Status read_key() noexcept;
+
+    // Reads the next line that is not blank. text() holds it for the kinds ordinary and quoted, and nothing of use
+    // otherwise.
+    [[nodiscard]] LineKind read() noexcept;
+
+    // Reads the next data line, comments skipped. Returned: status::ok, or status::fileEnds when there is none.
+    [[nodiscard]] Status next() noexcept;
+
+    // Passes over count data lines, comments not counted, and keeps nothing of them: beyond its first character a line
+    // is only searched for its end. Returned: status::ok, or status::fileEnds when there are fewer.
+    [[nodiscard]] Status skip(std::int64_t count) noexcept;
+
+    // What the fields of the line are read from: everything before the first zero byte, with the line feed.
+    [[nodiscard]] std::string_view text() const noexcept {
+        const std::string_view all(line.data(), length);
+        return all.substr(0, all.find('\0'));
+    }
+
+    // True after a read error; the end of the file is none.
+    [[nodiscard]] bool failed() const noexcept { return file.failed(); }
+
+    // For those who say what is wrong with a file: its key; where the line began, counted from 1 by the line feeds of
+    // the file; and the last line, comments too, that was longer than maxLength, so that its rest counted as another
+    // (0: none).
+    [[nodiscard]] int key() const noexcept { return scramblingKey; }
+    [[nodiscard]] std::int64_t number() const noexcept { return lineNumber; }
+    [[nodiscard]] std::int64_t last_overlong() const noexcept { return overlongNumber; }
+
+  private:
+    template <typename Use>
+    bool for_rest_of_line(Use use) noexcept;
+    bool skip_blanks(char& first) noexcept;
+    template <typename Use>
+    LineKind take_line(Use use) noexcept;
+
+    DataFile file;
+    int scramblingKey = 0;
+    std::int64_t lineFeeds = 0;  // taken from the file until now
+    std::int64_t lineNumber = 0;
+    std::int64_t overlongNumber = 0;
+    std::size_t length = 0;
+    std::array<char, maxLength> line;
+};
 
 }  // namespace lagestatus

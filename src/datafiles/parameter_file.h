@@ -1,12 +1,90 @@
 // Parameter files (.tra, .tr0): the description of one system.
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include "base/status.h"
 #include "base/system_description.h"
+#include "datafiles/definition_file.h"
+#include "datafiles/field_check.h"
+#include "datafiles/line_reader.h"
 
 namespace lagestatus {
+
+enum class ParameterScan : std::uint8_t {
+    code,           // integer, the system's own code
+    systemName,     // quoted texts
+    ellipsoidName,  //
+    kind,           //
+    number,         // one number, anything behind it is ignored
+    longitude,      // one number, then a word that may begin with the zone number
+    columns,        // two numbers; a source needs the first, a target both
+};
+
+struct ParameterField {
+    ParameterScan scan;
+    Status failure;
+    std::size_t slot = 0;  // of number, longitude and columns
+    Check check = Check::none;
+};
+
+// The format: one data line a field, in this order. Latitudes are degrees in the file and radians in their slot.
+inline constexpr auto parameterFields = [] {
+    using enum ParameterScan;
+    return std::to_array<ParameterField>({
+        {code, status::codeUnreadable},
+        {systemName, 10},
+        {ellipsoidName, 11},
+        {kind, status::projectionKind},
+        {number, 13, slot::latitudeOfOrigin, Check::latitude},
+        {longitude, 14, slot::longitudeOfOrigin, Check::notNegative},
+        {number, 15, slot::additiveY},
+        {number, 16, slot::additiveX},
+        {number, 17, slot::decadicComplement},
+        {number, 18, slot::meridianScale},
+        {number, 19, slot::shiftY},
+        {number, 20, slot::shiftX},
+        {number, 21, slot::planeRotation},
+        {number, 22, slot::secondShiftY},
+        {number, 23, slot::secondShiftX},
+        {number, 24, slot::originY},
+        {number, 25, slot::originX},
+        {number, 26, slot::planeScale},
+        {number, 27, slot::semiMajorAxis, Check::positive},
+        {number, 28, slot::semiMinorAxis, Check::positive},
+        {columns, 29, slot::translationX},
+        {columns, 30, slot::translationY},
+        {columns, 31, slot::translationZ},
+        {columns, 32, slot::rotationX},
+        {columns, 33, slot::rotationY},
+        {columns, 34, slot::rotationZ},
+        {columns, 35, slot::datumScale},
+        {columns, 36, slot::reductionX},
+        {columns, 37, slot::reductionY},
+        {columns, 38, slot::reductionZ},
+        {columns, 39, slot::intermediateTranslationX},
+        {columns, 40, slot::intermediateTranslationY},
+        {columns, 41, slot::intermediateTranslationZ},
+        {columns, 42, slot::intermediateRotationX},
+        {columns, 43, slot::intermediateRotationY},
+        {columns, 44, slot::intermediateRotationZ},
+        {columns, 45, slot::intermediateScale},
+        {columns, 46, slot::intermediateReductionX},
+        {columns, 47, slot::intermediateReductionY},
+        {columns, 48, slot::intermediateReductionZ},
+    });
+}();
+
+inline constexpr std::string_view plainExtension = ".tra";
+inline constexpr std::string_view scrambledExtension = ".tr0";
+inline constexpr std::size_t parameterFileNameSize = nameSize + plainExtension.size();
+
+// The name of a system's parameter file.
+[[nodiscard]] FixedText<parameterFileNameSize> parameter_file_name(std::string_view baseName,
+                                                                   bool scrambled) noexcept;
 
 // Which column of the two-column lines is read: the datum transformation into the Bessel datum for the source
 // of a transformation, the one out of it for the target.
@@ -28,5 +106,12 @@ enum class Column { intoBessel, outOfBessel };
 //                        included
 [[nodiscard]] Status read_parameter_file(Column column, std::string_view directory, std::string_view baseName,
                                          bool scrambled, int code, SystemDescription& description) noexcept;
+
+// The two steps of it, for callers that want to ask the reader where it stands: opens the file and reads its key; and
+// reads the fields into a description whose texts are empty and whose zone number is 0. Statuses as above.
+[[nodiscard]] Status open_parameter_file(LineReader& lines, std::string_view directory,
+                                         std::string_view baseName, bool scrambled) noexcept;
+[[nodiscard]] Status read_parameters(LineReader& lines, Column column, int code,
+                                     SystemDescription& description) noexcept;
 
 }  // namespace lagestatus

@@ -11,16 +11,6 @@ namespace {
 constexpr double tolHeight = 0.001;  // metres
 constexpr int maxPasses = 20;
 
-// The semi-axes of Bessel are taken from the height model file, never from the parameters of a system.
-Status read_bessel_axes(std::string_view directory, Ellipsoid& bessel) noexcept {
-    HeightModelFile file;
-    Status read = file.open(directory);
-    if (read == status::ok) {
-        read = file.read_bessel_axes(bessel);
-    }
-    return read == status::ok ? read : status::heightModel + read;
-}
-
 }  // namespace
 
 double NormalHeights::anomaly(const Geographic& point) noexcept {
@@ -51,15 +41,23 @@ Status NormalHeights::in_bessel_datum(const Geocentric& point, double& h, bool& 
     if (!flags.targetWantsNormal || !(computes || iterates)) {
         return status::ok;
     }
-    Ellipsoid bessel;
-    if (const Status read = read_bessel_axes(directory, bessel); read != status::ok) {
-        return read;
+    // The semi-axes of Bessel are taken from the height model file, never from the parameters of a system.
+    HeightModelFile file;
+    HeightModel model;
+    Status read = file.open(directory);
+    if (read == status::ok) {
+        read = file.read_axes(model);
+    }
+    if (read != status::ok) {
+        return status::heightModel + read;
     }
     Geographic onBessel;
-    if (const Status converted = geocentric_to_geographic(bessel, point, onBessel); converted != status::ok) {
+    if (const Status converted = geocentric_to_geographic(model.bessel, point, onBessel);
+        converted != status::ok) {
         return converted;
     }
-    const double zeta = anomaly(onBessel);
+    double zeta = 0.0;
+    lastAnomaly = height_anomaly(file, model, onBessel.lam, onBessel.phi, zeta);
     if (!iterates) {
         height = onBessel.h - zeta;
         return status::ok;
@@ -76,7 +74,8 @@ Status NormalHeights::in_bessel_datum(const Geocentric& point, double& h, bool& 
 }
 
 void NormalHeights::at_target(const Geographic& point) noexcept {
-    if (!flags.sourceIsNormal && target.bessel &&
+    const bool wanted = flags.targetWantsNormal || flags.alsoUnasked;
+    if (wanted && !flags.sourceIsNormal && target.bessel &&
         (!source.bessel || source.kind == ProjectionKind::geocentric)) {
         height = point.h - anomaly(point);
     }

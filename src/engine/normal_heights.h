@@ -12,6 +12,7 @@ namespace lagestatus {
 struct HeightFlags {
     bool sourceIsNormal = false;     // the height given is a normal height
     bool targetWantsNormal = false;  // a normal height is wanted in the result
+    bool alsoUnasked = true;  // in the Bessel datum one is computed for the target even if none is wanted
 };
 
 // The three places on the road where a normal height H becomes an ellipsoidal height h or comes from one, by the height
@@ -52,8 +53,8 @@ class NormalHeights {
     [[nodiscard]] Status in_bessel_datum(const Geocentric& point, double& h, bool& settled) noexcept;
 
     // For targets that are not geocentric, with their latitude, longitude and ellipsoidal height: a target in the Bessel
-    // datum has its height anomaly right here, if the source had not and the height given is ellipsoidal. Whether a
-    // normal height is wanted is not asked.
+    // datum has its height anomaly right here, if the source had not, the height given is ellipsoidal, and the flags do
+    // not restrict it to where it is wanted.
     void at_target(const Geographic& point) noexcept;
 
     // 1000 + the status of the last height anomaly, if that failed; else 0.

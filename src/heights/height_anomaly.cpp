@@ -100,15 +100,21 @@ Status height_anomaly(std::string_view directory, double lam, double phi, double
         return opened;
     }
     HeightModel model;
-    bool empty = false;
-    if (const Status read = file.read_header(model, empty); read != status::ok || empty) {
+    if (const Status read = file.read_axes(model); read != status::ok) {
+        return file.is_empty() ? status::ok : read;
+    }
+    return height_anomaly(file, model, lam, phi, zeta);
+}
+
+Status height_anomaly(HeightModelFile& file, HeightModel& model, double lam, double phi,
+                      double& zeta) noexcept {
+    zeta = 0.0;
+    if (const Status read = file.read_rest_of_header(model); read != status::ok) {
         return read;
     }
-    const Geocentric onBessel = geographic_to_geocentric(model.bessel, {phi, lam, 0.0});
     Geographic at;
-    if (const Status converted = geocentric_to_geographic(model.grs80, datum_step(model.datum, onBessel), at);
-        converted != status::ok) {
-        return converted;
+    if (const Status reached = bessel_to_grid(model, lam, phi, at); reached != status::ok) {
+        return reached;
     }
     const double delta = fundamental_point_correction(model, at);
     double absolute = 0.0;
@@ -120,6 +126,11 @@ Status height_anomaly(std::string_view directory, double lam, double phi, double
     }
     zeta = absolute - delta;
     return status::ok;
+}
+
+Status bessel_to_grid(const HeightModel& model, double lam, double phi, Geographic& at) noexcept {
+    const Geocentric onBessel = geographic_to_geocentric(model.bessel, {phi, lam, 0.0});
+    return geocentric_to_geographic(model.grs80, datum_step(model.datum, onBessel), at);
 }
 
 }  // namespace lagestatus

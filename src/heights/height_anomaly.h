@@ -4,6 +4,8 @@
 #include <string_view>
 
 #include "base/status.h"
+#include "geodesy/geocentric.h"
+#include "heights/height_model_file.h"
 
 namespace lagestatus {
 
@@ -26,5 +28,18 @@ namespace lagestatus {
 // Nothing is kept: every call reads the file up to the values it needs.
 [[nodiscard]] Status height_anomaly(std::string_view directory, double lam, double phi,
                                     double& zeta) noexcept;
+
+// The same from an open file, of which read_axes has read the beginning into model.
+[[nodiscard]] Status height_anomaly(HeightModelFile& file, HeightModel& model, double lam, double phi,
+                                    double& zeta) noexcept;
+
+// The first steps of it: the place of the model's grid that belongs to a point on the Bessel ellipsoid.
+//
+// Given:    model      its ellipsoids and datum step
+//           lam, phi   radians
+// Returned: status     0; 90 no finite position on GRS80
+//           at         written on success only
+[[nodiscard]] Status bessel_to_grid(const HeightModel& model, double lam, double phi,
+                                    Geographic& at) noexcept;
 
 }  // namespace lagestatus

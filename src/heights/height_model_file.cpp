@@ -13,16 +13,7 @@
 namespace lagestatus {
 namespace {
 
-constexpr std::string_view fileName = "hoehe.ini";
-
-enum class Unit : std::uint8_t { asWritten, degrees, arcSeconds };  // angles are radians once read
-
-struct Field {
-    Status failure;
-    double& (*place)(HeightModel&) noexcept;
-    Check check = Check::none;
-    Unit unit = Unit::asWritten;
-};
+using Unit = HeightField::Unit;
 
 template <std::size_t Slot>
 double& datum(HeightModel& model) noexcept {
@@ -30,7 +21,7 @@ double& datum(HeightModel& model) noexcept {
 }
 
 // The header: one data line a field, in this order; each holds one number, anything behind it is ignored.
-constexpr std::array<Field, 29> fields = {{
+constexpr std::array<HeightField, heightFieldCount> fields = {{
     {27, [](HeightModel& m) noexcept -> double& { return m.bessel.a; }, Check::positive},
     {28, [](HeightModel& m) noexcept -> double& { return m.bessel.b; }, Check::positive},
     {127, [](HeightModel& m) noexcept -> double& { return m.grs80.a; }, Check::positive},
@@ -75,15 +66,6 @@ double converted(Unit unit, double value) noexcept {
     return value;
 }
 
-Status read_field(const Field& field, std::string_view text, HeightModel& model) noexcept {
-    double value = 0.0;
-    if (!FieldScanner(text).number(value) || !passes(field.check, value)) {
-        return field.failure;
-    }
-    field.place(model) = converted(field.unit, value);
-    return status::ok;
-}
-
 constexpr char degreeSign = '\xB0';
 
 // An angle as 52°27'12.5", no blank before any of the three signs. The last sign may be missing where nothing follows
@@ -101,8 +83,22 @@ bool sexagesimal(FieldScanner& scanner, double& angle) noexcept {
            seconds <= 60.0;
 }
 
-// Smallest value, largest value and spacing, in degrees or, where the degree sign stands in the line, sexagesimal.
-bool read_range(std::string_view text, GridAxis& axis) noexcept {
+}  // namespace
+
+std::span<const HeightField, heightFieldCount> height_fields() noexcept {
+    return fields;
+}
+
+Status read_height_field(const HeightField& field, std::string_view text, HeightModel& model) noexcept {
+    double value = 0.0;
+    if (!FieldScanner(text).number(value) || !passes(field.check, value)) {
+        return field.failure;
+    }
+    field.place(model) = converted(field.unit, value);
+    return status::ok;
+}
+
+bool read_grid_axis(std::string_view text, GridAxis& axis) noexcept {
     FieldScanner scanner(text);
     if (text.find(degreeSign) != std::string_view::npos) {
         if (!sexagesimal(scanner, axis.smallest) || !scanner.literal('"') ||
@@ -124,49 +120,39 @@ bool read_range(std::string_view text, GridAxis& axis) noexcept {
     return count.has_value();
 }
 
-constexpr int valuesPerLine = 7;
-constexpr double noValue = 999999.0;  // marks a place of the grid without a value
-
-// Takes the value at the front of a grid line: up to the next space or the line's end, and the blanks behind it.
-std::string_view without_value_ahead(std::string_view text) noexcept {
+std::string_view behind_grid_value(std::string_view text) noexcept {
     text.remove_prefix(std::min(text.find_first_of(" \n"), text.size()));
     text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
     return text;
 }
 
-}  // namespace
-
 Status HeightModelFile::open(std::string_view directory) noexcept {
-    if (!file.open(directory.empty() ? "." : directory, fileName)) {
+    if (!lines.open(directory.empty() ? "." : directory, heightModelFileName)) {
         return status::heightModelNotOpened;
     }
-    return read_key(file, key);
+    return lines.read_key();
 }
 
-Status HeightModelFile::read_bessel_axes(Ellipsoid& bessel) noexcept {
-    HeightModel model;
-    for (const Field& field : std::span(fields).first(axesOfBessel)) {
-        if (const Status read = next_data_line(file, line, key); read != status::ok) {
+Status HeightModelFile::read_fields(std::span<const HeightField> some, HeightModel& model) noexcept {
+    for (const HeightField& field : some) {
+        if (const Status read = lines.next(); read != status::ok) {
             return read;
         }
-        if (const Status read = read_field(field, line.text(), model); read != status::ok) {
+        anyLine = true;
+        if (const Status read = read_height_field(field, lines.text(), model); read != status::ok) {
             return read;
         }
     }
-    bessel = model.bessel;
     return status::ok;
 }
 
-Status HeightModelFile::read_header(HeightModel& model, bool& empty) noexcept {
-    empty = true;
-    for (const Field& field : fields) {
-        if (const Status read = next_data_line(file, line, key); read != status::ok) {
-            return empty && !file.failed() ? status::ok : read;
-        }
-        empty = false;
-        if (const Status read = read_field(field, line.text(), model); read != status::ok) {
-            return read;
-        }
+Status HeightModelFile::read_axes(HeightModel& model) noexcept {
+    return read_fields(std::span(fields).first(axesOfBessel), model);
+}
+
+Status HeightModelFile::read_rest_of_header(HeightModel& model) noexcept {
+    if (const Status read = read_fields(std::span(fields).subspan(axesOfBessel), model); read != status::ok) {
+        return read;
     }
     struct Range {
         GridAxis& axis;
@@ -174,10 +160,10 @@ Status HeightModelFile::read_header(HeightModel& model, bool& empty) noexcept {
     };
     for (const auto& [axis, failure] :
          {Range{model.longitude, status::longitudeRange}, Range{model.latitude, status::latitudeRange}}) {
-        if (const Status read = next_data_line(file, line, key); read != status::ok) {
+        if (const Status read = lines.next(); read != status::ok) {
             return read;
         }
-        if (!read_range(line.text(), axis)) {
+        if (!read_grid_axis(lines.text(), axis)) {
             return failure;
         }
     }
@@ -187,24 +173,23 @@ Status HeightModelFile::read_header(HeightModel& model, bool& empty) noexcept {
 Status HeightModelFile::grid_value(std::int64_t number, double& value) noexcept {
     const std::int64_t wantedLine = number / valuesPerLine;
     const auto wantedPlace = static_cast<int>(number % valuesPerLine);
-    if (wantedLine > lineNumber) {
-        if (const Status skipped = skip_data_lines(file, key, wantedLine - lineNumber - 1);
-            skipped != status::ok) {
+    if (wantedLine > gridLine) {
+        if (const Status skipped = lines.skip(wantedLine - gridLine - 1); skipped != status::ok) {
             return skipped;
         }
-        if (const Status read = next_data_line(file, line, key); read != status::ok) {
+        if (const Status read = lines.next(); read != status::ok) {
             return read;
         }
-        lineNumber = wantedLine;
-        rest = line.text();
+        gridLine = wantedLine;
+        rest = lines.text();
         place = 0;
     }
     for (; place < wantedPlace; ++place) {
-        rest = without_value_ahead(rest);
+        rest = behind_grid_value(rest);
     }
     rest = {std::find_if_not(rest.begin(), rest.end(), is_blank), rest.end()};
     double read = 0.0;
-    if (!FieldScanner(rest).number(read) || read == noValue) {
+    if (!FieldScanner(rest).number(read) || read == noGridValue) {
         return status::gridValue;
     }
     value = read;

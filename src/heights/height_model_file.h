@@ -1,12 +1,14 @@
 // The height model file hoehe.ini: the way from the Bessel datum into the model's, the fundamental point, the grid.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "base/status.h"
 #include "base/system_description.h"
-#include "datafiles/data_file.h"
+#include "datafiles/field_check.h"
 #include "datafiles/line_reader.h"
 #include "geodesy/geocentric.h"
 
@@ -18,13 +20,18 @@ struct GridAxis {
     double largest = 0.0;
     double spacing = 0.0;
     int count = 0;  // of values from smallest to largest; the file may hold fewer or more rows
+
+    // The place of a value, counted from 0.
+    [[nodiscard]] double at(std::int64_t index) const noexcept {
+        return smallest + static_cast<double>(index) * spacing;
+    }
 };
 
 struct HeightModel {
     Ellipsoid bessel;
     Ellipsoid grs80;
-    ParameterArray datum =
-        {};  // slots 14 to 23 and 26 to 35: from the Bessel datum into the model's, as in datum_step.h
+    // From the Bessel datum into the model's: slots 14 to 23 and 26 to 35, as in datum_step.h.
+    ParameterArray datum = {};
     double lamR = 0.0;  // fundamental point Rauenberg, radians; 0 in one of both: no correction for it
     double phiR = 0.0;
     double xiR = 0.0;    // deflection of the vertical there, radians: component in the meridian,
@@ -33,6 +40,39 @@ struct HeightModel {
     GridAxis longitude;
     GridAxis latitude;
 };
+
+inline constexpr std::string_view heightModelFileName = "hoehe.ini";
+
+// One line of the header: one number, anything behind it is ignored.
+struct HeightField {
+    enum class Unit : std::uint8_t { asWritten, degrees, arcSeconds };  // angles are radians once read
+
+    Status failure;
+    double& (*place)(HeightModel&) noexcept;
+    Check check = Check::none;
+    Unit unit = Unit::asWritten;
+};
+
+// The header, one data line a field; two lines with the ranges of longitude and latitude follow.
+inline constexpr std::size_t heightFieldCount = 29;
+[[nodiscard]] std::span<const HeightField, heightFieldCount> height_fields() noexcept;
+
+// Reads one field out of its line. Returned: 0, or the field's status when there is no number or it fails its check;
+// model is then unchanged.
+[[nodiscard]] Status read_height_field(const HeightField& field, std::string_view text,
+                                       HeightModel& model) noexcept;
+
+// Reads smallest value, largest value and spacing, in degrees or, where the degree sign stands in the line,
+// sexagesimal. Returned: whether they are a range; if not, axis is of no use.
+[[nodiscard]] bool read_grid_axis(std::string_view text, GridAxis& axis) noexcept;
+
+// The grid: its values in one sequence from the southern row to the northern, longitudes fastest.
+inline constexpr int valuesPerLine = 7;
+inline constexpr double noGridValue = 999999.0;  // marks a place without a value
+
+// What stands behind the value at the front of a grid line: a value ends at the next space or the line's end, and takes
+// the blanks behind it along.
+[[nodiscard]] std::string_view behind_grid_value(std::string_view text) noexcept;
 
 // The file, opened and read from its start to its end; closed with the object.
 class HeightModelFile {
@@ -44,19 +84,20 @@ class HeightModelFile {
     [[nodiscard]] Status open(std::string_view directory) noexcept;
 
     // Reads the first two data lines, the semi-axes of Bessel, and no more of the file than the block they lie in.
-    // To be called in place of read_header.
     //
     // Returned: status     0; 100 the file ends before; 27, 28 unreadable or not greater than 0
-    //           bessel     written on success only
-    [[nodiscard]] Status read_bessel_axes(Ellipsoid& bessel) noexcept;
+    //           model      bessel is written on success
+    [[nodiscard]] Status read_axes(HeightModel& model) noexcept;
 
-    // Reads the 29 header lines and the two range lines.
+    // Whether the file, of which read_axes failed, has no data line at all.
+    [[nodiscard]] bool is_empty() const noexcept { return !anyLine && !lines.failed(); }
+
+    // Reads the other header lines, to be called next.
     //
-    // Returned: status     0; 100 the file ends before; 27 to 48, 101 to 107, 127, 128 a line unreadable or its value
+    // Returned: status     0; 100 the file ends before; 29 to 48, 101 to 107, 127, 128 a line unreadable or its value
     //                      outside the range of the line
     //           model      complete on success, else of no use
-    //           empty      the file holds no data line at all: status 0, and nothing is in model
-    [[nodiscard]] Status read_header(HeightModel& model, bool& empty) noexcept;
+    [[nodiscard]] Status read_rest_of_header(HeightModel& model) noexcept;
 
     // Reads one value of the grid; the numbers of a series of calls must not descend.
     //
@@ -66,11 +107,12 @@ class HeightModelFile {
     [[nodiscard]] Status grid_value(std::int64_t number, double& value) noexcept;
 
   private:
-    DataFile file;
-    int key = 0;
-    Line line;
-    std::int64_t lineNumber = -1;  // of the grid line in line
-    std::string_view rest;         // of that line, from the value at place on
+    [[nodiscard]] Status read_fields(std::span<const HeightField> some, HeightModel& model) noexcept;
+
+    LineReader lines;
+    bool anyLine = false;
+    std::int64_t gridLine = -1;  // the number of the grid line that was read last
+    std::string_view rest;       // of that line, from the value at place on
     int place = 0;
 };
 
