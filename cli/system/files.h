@@ -65,8 +65,6 @@ class OutputFile {
     void complete();
 
   private:
-    void close();
-
     std::string fileName;
     std::string finalPath;
     std::string temporaryPath;  // empty where there is none
