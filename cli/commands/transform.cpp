@@ -114,25 +114,27 @@ RunOptions run_options(const TransformOptions& options, const System& source, co
 
 // A file in its turn. Regular files are opened again then: there may be more of them than can be open at once.
 struct Input {
-    std::string name;                   // for messages
+    std::string name;                   // "-" for standard input
     std::optional<std::uint64_t> size;  // of a regular file
     std::optional<InputFile> file;      // open, if it is none
 };
 
+InputFile open_input(const std::string& name) {
+    return name == "-" ? InputFile() : InputFile(name);
+}
+
 // All files are opened before the first row: a wrong name must not be found out half way.
-std::vector<Input> open_inputs(const std::vector<std::string>& names) {
-    std::vector<Input> inputs;
-    const auto add = [&inputs](InputFile file) {
-        inputs.push_back({file.name(), file.size(), std::nullopt});
-        if (!inputs.back().size || file.is_standard_input()) {
-            inputs.back().file.emplace(std::move(file));
-        }
-    };
-    for (const std::string& name : names) {
-        add(name == "-" ? InputFile() : InputFile(name));
-    }
+std::vector<Input> open_inputs(std::vector<std::string> names) {
     if (names.empty()) {
-        add(InputFile());
+        names = {"-"};
+    }
+    std::vector<Input> inputs;
+    for (const std::string& name : names) {
+        InputFile file = open_input(name);
+        Input& input = inputs.emplace_back(Input{name, file.size(), std::nullopt});
+        if (!input.size) {
+            input.file.emplace(std::move(file));
+        }
     }
     return inputs;
 }
@@ -252,7 +254,7 @@ int transform_points(const TransformOptions& options) {
         PieceReader reader(form, writer, block_size(jobs, run.normalGiven || run.normalWanted), work);
         for (Input& input : inputs) {
             try {
-                InputFile file = input.file ? std::move(*input.file) : InputFile(input.name);
+                InputFile file = input.file ? std::move(*input.file) : open_input(input.name);
                 reader.read(file);
             } catch (const ReadError& error) {
                 work.finish();

@@ -89,7 +89,7 @@ void PieceReader::take_lines(File& file, Piece& piece) const {
     piece.read = 0;
     for (;;) {
         const std::size_t had = rest.size();
-        rest.resize(std::min(had + block, longestLine));
+        rest.resize(std::min(std::max(block, 2 * had), longestLine));
         const std::size_t count = file.input.read(rest.data() + had, rest.size() - had);
         rest.resize(had + count);
         piece.read += count;

@@ -36,7 +36,7 @@ struct Piece {
 // Cuts files into pieces, which it submits, and finds out how their lines are made.
 class PieceReader {
   public:
-    // blockSize: bytes that are read at once.
+    // blockSize: bytes of a piece whose lines are not longer.
     PieceReader(const FileForm& fileForm, const PointWriter& pointWriter, std::size_t blockSize,
                 OrderedWork<Piece>& pieces);
 

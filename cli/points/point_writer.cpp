@@ -1,7 +1,6 @@
 #include "points/point_writer.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -18,63 +17,48 @@ constexpr const char* unknown = "*";
 
 constexpr std::array<double, 10> powersOfTen = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
 
-// Room for the largest double, which has 309 digits, and its decimals.
-using NumberText = std::array<char, 340>;
-
 // Writes a number whose last decimal is beyond doubt, as std::to_chars would: product and rounding lose less than the
-// margin. It ends where the text ends. Returned: its beginning; null if it is not such a number.
-char* write_plainly(NumberText& text, double value, int decimals, char decimalMark) {
+// margin. Returned: whether it is such a number.
+bool append_plainly(std::string& text, double value, int decimals, char decimalMark) {
     constexpr double largest = 1e12;
     constexpr double margin = 1e-3;  // an ulp below the largest is 1.2e-4
     if (decimals >= static_cast<int>(powersOfTen.size())) {
-        return nullptr;
+        return false;
     }
     const double scaled = std::fabs(value) * powersOfTen[static_cast<std::size_t>(decimals)];
     if (!(scaled < largest)) {
-        return nullptr;
+        return false;
     }
     auto rest = static_cast<std::uint64_t>(scaled + 0.5);  // NOLINT(bugprone-incorrect-roundings): see margin
     if (std::fabs(scaled - static_cast<double>(rest)) > 0.5 - margin) {
-        return nullptr;
+        return false;
     }
     const bool negative = value < 0.0 && rest != 0;
-    char* begin = text.data() + text.size();
-    const auto put = [&begin, &rest] {
+    std::array<char, 24> digits = {};
+    auto begin = digits.end();
+    for (int count = 0; count <= decimals || rest != 0; ++count) {
+        if (count == decimals && count > 0) {
+            *--begin = decimalMark;
+        }
         *--begin = static_cast<char>('0' + rest % 10);
         rest /= 10;
-    };
-    for (int count = 0; count < decimals; ++count) {
-        put();
     }
-    if (decimals > 0) {
-        *--begin = decimalMark;
-    }
-    do {
-        put();
-    } while (rest != 0);
     if (negative) {
         *--begin = '-';
     }
-    return begin;
+    text.append(begin, digits.end());
+    return true;
 }
 
 // A number at the end of a text, with a fixed count of decimals.
 void append_fixed(std::string& text, double value, int decimals, char decimalMark) {
-    NumberText digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): written before it is read
-    if (const char* const begin = write_plainly(digits, value, decimals, decimalMark); begin != nullptr) {
-        text.append(std::string_view(begin, static_cast<std::size_t>(digits.data() + digits.size() - begin)));
+    if (append_plainly(text, value, decimals, decimalMark)) {
         return;
     }
-    char* const begin = digits.data();
-    char* const end =
-        std::to_chars(begin, begin + digits.size(), value, std::chars_format::fixed, decimals).ptr;
-    if (decimals > 0) {
-        end[-decimals - 1] = decimalMark;
-    }
-    const std::string_view written(begin, static_cast<std::size_t>(end - begin));
-    const bool minusZero =
-        written.front() == '-' && written.find_first_not_of("-0.,") == std::string_view::npos;
-    text.append(written.substr(minusZero ? 1 : 0));
+    std::string digits = fixed_text(value, decimals);
+    std::replace(digits.begin(), digits.end(), '.', decimalMark);
+    const bool minusZero = digits.front() == '-' && digits.find_first_not_of("-0.,") == std::string::npos;
+    text.append(digits, minusZero ? 1 : 0);
 }
 
 // Writes lines with other texts in place of their coordinates.
