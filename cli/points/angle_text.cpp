@@ -1,5 +1,6 @@
 #include "points/angle_text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -9,9 +10,6 @@
 
 namespace cli {
 namespace {
-
-constexpr double minutesOfDegree = 60.0;
-constexpr double secondsOfDegree = 3600.0;
 
 bool take(std::string_view& text, std::span<const std::string_view> signs) {
     for (const std::string_view sign : signs) {
@@ -35,10 +33,6 @@ bool take_number(std::string_view& text, double& value) {
     return true;
 }
 
-bool is_whole(double value) {
-    return std::trunc(value) == value;
-}
-
 }  // namespace
 
 std::optional<double> read_angle(std::string_view text, Hemisphere hemisphere) {
@@ -46,50 +40,40 @@ std::optional<double> read_angle(std::string_view text, Hemisphere hemisphere) {
     constexpr std::array degreeSigns = {"\u00B0"sv, "\xB0"sv, "d"sv, ":"sv};
     constexpr std::array minuteSigns = {"'"sv, "\u2032"sv, ":"sv};
     constexpr std::array secondSigns = {"\""sv, "\u2033"sv, "''"sv};
-    constexpr double parts = 60.0;
 
-    double sign = 1.0;
-    bool hasSign = true;
-    if (text.starts_with('-')) {
-        sign = -1.0;
-        text.remove_prefix(1);
-    } else if (text.starts_with('+')) {
-        text.remove_prefix(1);
-    } else {
-        hasSign = false;
-    }
+    const bool hasSign = text.starts_with('-') || text.starts_with('+');
+    bool negative = text.starts_with('-');
+    text.remove_prefix(hasSign ? 1 : 0);
     const std::string_view letters = hemisphere == Hemisphere::latitude ? "NnSs" : "EeOoWw";
     if (!text.empty() && !hasSign && letters.find(text.back()) != std::string_view::npos) {
-        sign = std::string_view("SsWw").find(text.back()) != std::string_view::npos ? -1.0 : 1.0;
+        negative = "SsWw"sv.find(text.back()) != std::string_view::npos;
         text.remove_suffix(1);
     }
     double degrees = 0.0;
-    if (!take_number(text, degrees)) {
-        return std::nullopt;
-    }
     double minutes = 0.0;
     double seconds = 0.0;
-    if (take(text, degreeSigns) && !text.empty()) {
-        if (!is_whole(degrees) || !take_number(text, minutes) || !(minutes < parts)) {
-            return std::nullopt;
-        }
-        if (take(text, minuteSigns) && !text.empty()) {
-            if (!is_whole(minutes) || !take_number(text, seconds) || !(seconds < parts)) {
-                return std::nullopt;
-            }
+    const auto takePart = [&text](double before, double& value) {
+        return std::trunc(before) == before && take_number(text, value) && value < 60.0;
+    };
+    bool good = take_number(text, degrees);
+    if (good && take(text, degreeSigns) && !text.empty()) {
+        good = takePart(degrees, minutes);
+        if (good && take(text, minuteSigns) && !text.empty()) {
+            good = takePart(minutes, seconds);
             take(text, secondSigns);
         }
     }
-    if (!text.empty()) {
+    if (!good || !text.empty()) {
         return std::nullopt;
     }
-    return sign * (degrees + minutes / minutesOfDegree + seconds / secondsOfDegree);
+    const double angle = degrees + minutes / 60.0 + seconds / 3600.0;
+    return negative ? -angle : angle;
 }
 
 void append_angle(std::string& text, double degrees, int decimals, Hemisphere hemisphere) {
     // In units of the last decimal, so that 59.99999 seconds carry into the minutes.
     const double unit = std::pow(10.0, decimals);
-    const double total = std::fabs(degrees) * secondsOfDegree * unit;
+    const double total = std::fabs(degrees) * 3600.0 * unit;
     constexpr double largest = 9e15;  // whole numbers up to here are exact
     if (!(total < largest)) {
         text += '*';
@@ -97,18 +81,16 @@ void append_angle(std::string& text, double degrees, int decimals, Hemisphere he
     }
     const auto perSecond = static_cast<std::int64_t>(unit);
     const std::int64_t units = std::llround(total);
-    const std::int64_t wholeSeconds = units / perSecond;
-    std::array<char, 24> digits = {};
-    const auto append = [&](std::int64_t value, int width) {
-        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-        const auto size = static_cast<int>(end - digits.data());
-        text.append(static_cast<std::size_t>(std::max(width - size, 0)), '0').append(digits.data(), end);
+    const std::int64_t seconds = units / perSecond;
+    const auto append = [&text](std::int64_t value, int width) {
+        const std::string digits = std::to_string(value);
+        text.append(std::max(static_cast<std::size_t>(width), digits.size()) - digits.size(), '0') += digits;
     };
-    append(wholeSeconds / 3600, 1);
+    append(seconds / 3600, 1);
     text += "\u00B0";
-    append(wholeSeconds / 60 % 60, 2);
+    append(seconds / 60 % 60, 2);
     text += '\'';
-    append(wholeSeconds % 60, 2);
+    append(seconds % 60, 2);
     if (decimals > 0) {
         text += '.';
         append(units % perSecond, decimals);

@@ -20,6 +20,11 @@ class Plausibility {
     [[nodiscard]] std::string likely_mistake(const std::array<double, 3>& point) const;
 
   private:
+    struct Easting {
+        double strip;         // the number in front
+        double fromMeridian;  // metres
+    };
+    [[nodiscard]] Easting parted(double easting) const;
     [[nodiscard]] bool strip_fits(double easting) const;
     [[nodiscard]] bool northing_fits(double northing) const;
     [[nodiscard]] bool looks_exchanged(const std::array<double, 3>& point) const;

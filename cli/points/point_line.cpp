@@ -4,23 +4,22 @@
 #include <charconv>
 #include <system_error>
 
+#include "datafiles/field_scanner.h"
 #include "points/angle_text.h"
 #include "system/numbers.h"
 
 namespace cli {
 namespace {
 
-constexpr std::string_view blankCharacters = " \t\v\f";
-
-bool is_blank(char character) {
-    return character <= ' ' &&
-           (character == ' ' || character == '\t' || character == '\v' || character == '\f');
+// What may stand around a field. A carriage return within a line is text.
+bool is_padding(char character) {
+    return lagestatus::is_blank(character) && character != '\r';
 }
 
 // Whether a field is meant as a number, however it goes on.
 bool looks_like_number(std::string_view field) {
     const std::size_t unsignedPart = field.find_first_not_of("+-.,");
-    if (unsignedPart != std::string_view::npos && field[unsignedPart] >= '0' && field[unsignedPart] <= '9') {
+    if (unsignedPart != std::string_view::npos && lagestatus::is_digit(field[unsignedPart])) {
         return true;
     }
     double value = 0.0;
@@ -29,6 +28,15 @@ bool looks_like_number(std::string_view field) {
 }
 
 }  // namespace
+
+TextLine take_line(std::string_view& text) {
+    const std::size_t feed = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, feed);
+    text.remove_prefix(std::min(feed + 1, text.size()));
+    const bool hasReturn = line.ends_with('\r');
+    line.remove_suffix(hasReturn ? 1 : 0);
+    return {line, hasReturn ? "\r\n" : "\n"};
+}
 
 bool is_passed_through(std::string_view line) {
     const std::size_t first = line.find_first_not_of(blankCharacters);
@@ -43,7 +51,7 @@ char recognised_delimiter(std::string_view line, LineForm form) {
         }
         form.delimiter = delimiter;
         PointLine read;
-        LineReader(form).read(line, read);
+        PointLineReader(form).read(line, read);
         if (read.error.empty()) {
             return delimiter;
         }
@@ -61,13 +69,13 @@ char recognised_delimiter(std::string_view line, LineForm form) {
                : blanks;
 }
 
-LineReader::LineReader(const LineForm& lineForm)
+PointLineReader::PointLineReader(const LineForm& lineForm)
     : form(lineForm), wanted(*std::max_element(form.columns.begin(), form.columns.end()) + 1) {}
 
-void LineReader::split(std::string_view line) {
+void PointLineReader::split(std::string_view line) {
     spans.clear();
     const auto skipBlanks = [&](std::size_t at) {
-        while (at < line.size() && is_blank(line[at])) {
+        while (at < line.size() && is_padding(line[at])) {
             ++at;
         }
         return at;
@@ -88,7 +96,7 @@ void LineReader::split(std::string_view line) {
         for (std::size_t at = skipBlanks(0); at < line.size() && spans.size() < wanted; at = skipBlanks(at)) {
             const std::size_t begin = at;
             at = behindQuotes(at);
-            while (at < line.size() && !is_blank(line[at])) {
+            while (at < line.size() && !is_padding(line[at])) {
                 ++at;
             }
             spans.push_back({begin, at});
@@ -101,19 +109,19 @@ void LineReader::split(std::string_view line) {
             line.find(form.delimiter, behindQuotes(std::min(line.find_first_not_of(' ', at), line.size()))),
             line.size());
         span.end = at;
-        while (span.begin < span.end && is_blank(line[span.begin])) {
+        while (span.begin < span.end && is_padding(line[span.begin])) {
             ++span.begin;
         }
-        while (span.end > span.begin && is_blank(line[span.end - 1])) {
+        while (span.end > span.begin && is_padding(line[span.end - 1])) {
             --span.end;
         }
         spans.push_back(span);
     }
 }
 
-std::array<std::optional<Span>, 3> LineReader::fields_of(std::string_view line) {
+Fields PointLineReader::fields_of(std::string_view line) {
     split(line);
-    std::array<std::optional<Span>, 3> fields;
+    Fields fields;
     for (std::size_t part = 0; part < form.columns.size(); ++part) {
         if (form.columns[part] < spans.size()) {
             fields[part] = spans[form.columns[part]];
@@ -122,15 +130,7 @@ std::array<std::optional<Span>, 3> LineReader::fields_of(std::string_view line) 
     return fields;
 }
 
-void LineReader::read(std::string_view line, PointLine& result) {
-    result.point = {};
-    result.fields = fields_of(line);
-    result.hasHeight = false;
-    result.error.clear();
-    read_fields(line, result);
-}
-
-std::string_view LineReader::content_of(std::string_view line, const std::optional<Span>& place) {
+std::string_view PointLineReader::content_of(std::string_view line, const std::optional<Span>& place) {
     if (!place) {
         return "";
     }
@@ -146,7 +146,7 @@ std::string_view LineReader::content_of(std::string_view line, const std::option
     return unquoted;
 }
 
-bool LineReader::read_coordinate(std::string_view field, std::size_t part, double& value) {
+bool PointLineReader::read_coordinate(std::string_view field, std::size_t part, double& value) {
     if (form.decimalComma) {
         if (field.find('.') != std::string_view::npos) {
             return false;
@@ -168,7 +168,11 @@ bool LineReader::read_coordinate(std::string_view field, std::size_t part, doubl
     return angle.has_value();
 }
 
-void LineReader::read_fields(std::string_view line, PointLine& result) {
+void PointLineReader::read(std::string_view line, PointLine& result) {
+    result.point = {};
+    result.fields = fields_of(line);
+    result.hasHeight = false;
+    result.error.clear();
     constexpr std::size_t longestExcerpt = 60;
     if (form.looksForHeight && form.columns.size() > 2) {
         // Text of the line is no height, and stays what it is whatever becomes of the line.

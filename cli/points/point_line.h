@@ -30,34 +30,45 @@ struct Span {
     std::size_t end = 0;
 };
 
+using Fields = std::array<std::optional<Span>, 3>;
+
 struct PointLine {
     std::array<double, 3> point = {};
-    std::array<std::optional<Span>, 3> fields;  // where they stand, without blanks and quotes around them
+    Fields fields;  // where they stand, without blanks and quotes around them
     bool hasHeight = false;
     std::string error;  // why the line is no point; empty if it is one
 };
 
+inline constexpr std::string_view blankCharacters = " \t\v\f";
+
+struct TextLine {
+    std::string_view text;
+    std::string_view end;  // a line feed, with a carriage return if there is one before it
+};
+
+// Takes the first line from a text, which is not empty.
+TextLine take_line(std::string_view& text);
+
 // Whether a line holds no point and is to be passed through: empty, or a comment that begins with "#".
 bool is_passed_through(std::string_view line);
 
-// The delimiter of a file, from its first line that holds a point: the one by which the columns are numbers. If there is
-// none, the most telling one.
+// The delimiter of a file, from its first line that holds a point: the one by which the columns are numbers. If there
+// is none, the most telling one.
 char recognised_delimiter(std::string_view line, LineForm form);
 
 // Splits lines and reads their numbers; keeps its memory from line to line.
-class LineReader {
+class PointLineReader {
   public:
-    explicit LineReader(const LineForm& lineForm);
+    explicit PointLineReader(const LineForm& lineForm);
 
     // Where a line has its coordinates. A field in double quotes may hold the delimiter.
-    std::array<std::optional<Span>, 3> fields_of(std::string_view line);
+    Fields fields_of(std::string_view line);
 
     // Reads the point of a line. Every field must be a number as a whole, and finite.
     void read(std::string_view line, PointLine& result);
 
   private:
     void split(std::string_view line);
-    void read_fields(std::string_view line, PointLine& result);
     std::string_view content_of(std::string_view line, const std::optional<Span>& place);
     bool read_coordinate(std::string_view field, std::size_t part, double& value);
 

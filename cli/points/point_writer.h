@@ -15,20 +15,14 @@
 
 namespace cli {
 
-// What is written, beside where.
-struct WrittenForm {
-    int metreDecimals = 4;
-    int degreeDecimals = 9;  // with minutes and seconds, of the seconds
-    bool withSeconds = false;
-    bool exchanged =
-        false;  // the first two change places: the one side has the easting first, the other behind
-};
-
 struct RunOptions {
     bool normalGiven = false;   // the heights of the points are normal heights
     bool normalWanted = false;  // a column of normal heights is wanted
     bool latin1 = false;        // what is added to the lines is in ISO 8859-1 and not in UTF-8
-    WrittenForm written;
+    int metreDecimals = 4;
+    int degreeDecimals = 9;  // with minutes and seconds, of the seconds
+    bool withSeconds = false;
+    bool exchanged = false;  // the first two change places: only one of the two sides has the easting first
 };
 
 // What became of the points of a run, or of a part of it.
@@ -49,15 +43,20 @@ struct Report {
     std::string text;
 };
 
+inline constexpr std::size_t mostErrors = 20;  // that are told of a run
+
 // What the lines of one piece of a file gave.
 struct Written {
     std::string text;
     Tally tally;
-    std::vector<Report> errors;  // the first few
+    std::vector<Report> errors;  // no more than tell that there are too many
     Report warning;              // the first; an empty text for none
 
     void clear();
 };
+
+// In place of the coordinates, and behind the third one.
+using Texts = std::array<std::string, 4>;
 
 // Transforms points between two systems of a data directory. Any number of threads may use one at once.
 class PointWriter {
@@ -72,29 +71,21 @@ class PointWriter {
     // A line that is too long to be read, as its row.
     void overlong_line(const LineForm& form, std::uint64_t line, std::size_t limit, Written& written) const;
 
-    // A line of column names, with the names of the coordinates in their places.
+    // A line of column names, with the names of the coordinates in their places. hasHeight: whether the points have one.
     [[nodiscard]] std::string heading(std::string_view line, const LineForm& form, bool hasHeight) const;
 
     // The names of the columns alone, as a comment.
     [[nodiscard]] std::string label(const LineForm& form, bool hasHeight) const;
 
   private:
-    using Texts = std::array<std::string, 3>;
-
-    void line(std::string_view text, std::string_view end, std::uint64_t number, LineReader& reader,
-              const LineForm& form, PointLine& read, Written& written) const;
-    void point_row(std::string_view text, const LineForm& form, const PointLine& read,
+    void row(std::string_view line, std::uint64_t number, const LineForm& form, PointLine& read,
+             Written& written) const;
+    void point_row(std::string_view line, const LineForm& form, const PointLine& read,
                    Written& written) const;
-    void unreadable_row(std::string_view text, std::uint64_t number, const LineForm& form,
-                        const PointLine& read, Written& written) const;
-    [[nodiscard]] bool writes_normal(const PointLine& read) const;
     [[nodiscard]] Texts names() const;
-    [[nodiscard]] std::string reason_of(int status) const;
     [[nodiscard]] std::string encoded(const std::string& text) const;
 
     RunOptions options;
-    const System& source;
-    const System& target;
     std::string targetFileName;
     std::string modelFileName;
     Road road;
@@ -102,6 +93,7 @@ class PointWriter {
     bool sourceGeocentric;
     bool targetGeocentric;
     bool targetGeographic;
+    bool normalColumn;  // there is one, where lines have heights
 };
 
 }  // namespace cli

@@ -133,16 +133,16 @@ void OutputFile::complete() {
 std::string read_file(const std::string& path, std::size_t limit) {
     InputFile file(path);
     std::string bytes;
-    constexpr std::size_t block = std::size_t{1} << 16;
-    for (std::size_t size = 0;;) {
+    for (;;) {
+        constexpr std::size_t block = std::size_t{1} << 16;
+        const std::size_t size = bytes.size();
         bytes.resize(size + block);
         const std::size_t count = file.read(bytes.data() + size, block);
-        size += count;
-        bytes.resize(size);
+        bytes.resize(size + count);
         if (count == 0) {
             return bytes;
         }
-        if (size > limit) {
+        if (bytes.size() > limit) {
             throw FileError(path + ": is larger than " + std::to_string(limit) + " bytes");
         }
     }

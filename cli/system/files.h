@@ -35,8 +35,6 @@ class InputFile {
     // As messages name it.
     [[nodiscard]] const std::string& name() const { return fileName; }
 
-    [[nodiscard]] bool is_standard_input() const { return descriptor == 0; }
-
     // Its size, if it has one: pipes and terminals have none.
     [[nodiscard]] std::optional<std::uint64_t> size() const;
 
@@ -65,8 +63,6 @@ class OutputFile {
     void complete();
 
   private:
-    void close();
-
     std::string fileName;
     std::string finalPath;
     std::string temporaryPath;  // empty where there is none

@@ -15,16 +15,15 @@ constexpr std::chrono::milliseconds interval{200};
 std::string duration_text(double seconds) {
     constexpr double longest = 360000.0;  // 100 hours
     const auto whole = static_cast<int>(std::clamp(seconds, 0.0, longest));
-    const std::string minutes = std::to_string(whole / 60 % 60);
-    const std::string rest = std::to_string(whole % 60);
-    const std::string hours = whole >= 3600 ? std::to_string(whole / 3600) + ":" : "";
-    const auto two = [](const std::string& digits) { return digits.size() < 2 ? "0" + digits : digits; };
-    return hours + (hours.empty() ? minutes : two(minutes)) + ":" + two(rest);
+    const auto two = [](int part) { return (part < 10 ? "0" : "") + std::to_string(part); };
+    const std::string minutes =
+        whole < 3600 ? std::to_string(whole / 60) : std::to_string(whole / 3600) + ":" + two(whole / 60 % 60);
+    return minutes + ":" + two(whole % 60);
 }
 
 }  // namespace
 
-Progress::Progress(bool wanted, std::optional<std::uint64_t> total)
+Progress::Progress(bool wanted, std::uint64_t total)
     : enabled(wanted), totalBytes(total), begin(Clock::now()), next(begin + firstDelay) {}
 
 Progress::~Progress() {
@@ -44,11 +43,10 @@ void Progress::show(std::uint64_t bytes, std::uint64_t rows) {
         return;
     }
     const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
-    const double rate = static_cast<double>(rows) / seconds;
     std::string text;
-    if (totalBytes && *totalBytes > 0) {
+    if (totalBytes > 0) {
         constexpr int barWidth = 30;
-        const double part = std::min(static_cast<double>(bytes) / static_cast<double>(*totalBytes), 1.0);
+        const double part = std::min(static_cast<double>(bytes) / static_cast<double>(totalBytes), 1.0);
         const auto full = static_cast<std::size_t>(part * barWidth);
         text += '[' + std::string(full, '#') + std::string(barWidth - full, '.') + "] " +
                 fixed_text(part * 100.0, 0) + " %  ";
@@ -56,10 +54,10 @@ void Progress::show(std::uint64_t bytes, std::uint64_t rows) {
             text += duration_text(seconds / part - seconds) + " left  ";
         }
     }
-    text += std::to_string(rows) + " points, " + fixed_text(rate, 0) + " a second";
+    text +=
+        std::to_string(rows) + " points, " + fixed_text(static_cast<double>(rows) / seconds, 0) + " a second";
     const std::size_t width = text.size();
-    text.append(drawnWidth - std::min(drawnWidth, width), ' ');
-    std::fputs(('\r' + text).c_str(), stderr);
+    std::fputs(('\r' + padded(text, drawnWidth)).c_str(), stderr);
     drawnWidth = width;
     next = Clock::now() + interval;
 }

@@ -4,14 +4,13 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 
 namespace cli {
 
 class Progress {
   public:
-    // wanted: whether there is a bar at all. total: bytes to read, where that is known.
-    Progress(bool wanted, std::optional<std::uint64_t> total);
+    // wanted: whether there is a bar at all. total: bytes to read; 0 where that is not known.
+    Progress(bool wanted, std::uint64_t total);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
@@ -27,7 +26,7 @@ class Progress {
 
     std::size_t drawnWidth = 0;  // of the bar on the terminal; 0: there is none
     bool enabled;
-    std::optional<std::uint64_t> totalBytes;
+    std::uint64_t totalBytes;
     Clock::time_point begin;
     Clock::time_point next;
 };
