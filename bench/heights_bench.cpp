@@ -136,8 +136,8 @@ BENCHMARK(look_up_the_last_cell_beside_bare_reading)
     ->UseManualTime()
     ->Unit(benchmark::kMicrosecond);
 
-// trans_dll with heights in Hamburg, on the sample and on the full grid that scripts/bench makes. Codes and letter: which
-// side lies in the Bessel datum, and whether the normal height is given, decide how often the file is read.
+// trans_dll with heights in Hamburg, on the sample and on the full grid that scripts/bench makes. Codes and letter:
+// which side lies in the Bessel datum, and whether the normal height is given, decide how often the file is read.
 void trans_dll_with_heights(benchmark::State& state, const char* dataDirectory, int from, int to,
                             char letter) {
     const std::u16string directory = wide(dataDirectory);

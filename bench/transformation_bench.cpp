@@ -200,8 +200,8 @@ bool agree_in_zone_32(const HeldDescriptions& held, PJ* operation,
     return !points.empty();
 }
 
-// Gauss-Krueger on Bessel to UTM on GRS80, and PROJ's pipeline for the same, both held; in turn, block by block, so that
-// both meet the same machine.
+// Gauss-Krueger on Bessel to UTM on GRS80, and PROJ's pipeline for the same, both held; in turn, block by block, so
+// that both meet the same machine.
 void transr_dll_gauss_krueger_to_utm_beside_held_proj(benchmark::State& state) {
     HeldDescriptions held;
     if (!held.read({u"dhdn-gauss-krueger", 103}, {u"etrs89-utm", 203})) {

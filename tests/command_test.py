@@ -13,16 +13,20 @@ steps run one after the other:
     same A B                 two files have the same bytes
     absent NAME              there is no such file
     $ ARGUMENTS              runs the command: with the lines "< TEXT" as its standard input; it must print the lines
-                             "> TEXT" and, as errors, "! TEXT", and have the exit status "= NUMBER" (0 if not given)
+                             "> TEXT" and, as errors, "! TEXT", and have the exit status "= NUMBER" (0 if not given);
+                             "@ FILE NUMBER": it opens the file so many times (looked at on Linux alone)
     cat NAME                 a file must hold the lines "> TEXT"
 
 ">~ TEXT" and "!~ TEXT" are regular expressions for one line, "> ..." and "! ..." any number of lines. In arguments and
 texts \\r, \\t, \\n, \\\\ and \\xNN stand for their bytes, {x*100} for a hundred x, and \\c at the end of a line for no line feed.
 """
 
+import ctypes
+import os
 import re
 import shlex
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -56,6 +60,27 @@ def pattern_of(lines):
         else:
             patterns.append(re.escape(joined([line])))
     return b"".join(patterns)
+
+
+class Openings:
+    """Counts how often files are opened while it lives, by inotify."""
+
+    OPEN, CLOSE = 0x20, 0x10  # IN_OPEN, IN_CLOSE_NOWRITE: both, since equal events that follow each other are made one
+    EVENT = struct.Struct("iIII")
+
+    def __init__(self, files):
+        libc = ctypes.CDLL(None, use_errno=True)
+        self.queue = libc.inotify_init1(os.O_NONBLOCK) if files else None
+        self.watches = [libc.inotify_add_watch(self.queue, os.fsencode(file), self.OPEN | self.CLOSE) for file in files]
+
+    def counts(self):
+        if self.queue is None:
+            return []
+        opened = []
+        with open(self.queue, "rb", buffering=0) as queue:
+            while events := queue.read(1 << 16):
+                opened += [watch for watch, kind, *_ in self.EVENT.iter_unpack(events) if kind & self.OPEN]
+        return [opened.count(watch) for watch in self.watches]
 
 
 class Case:
@@ -101,11 +126,15 @@ class Case:
         with tempfile.TemporaryFile() as stdout, tempfile.TemporaryFile() as stderr, tempfile.TemporaryFile() as stdin:
             stdin.write(joined([text for _, text in lines["<"]]))
             stdin.seek(0)
+            counted = [text.rsplit(" ", 1) for _, text in lines["@"] if sys.platform == "linux" and not windows]
+            openings = Openings([work / name for name, _ in counted])
             done = subprocess.run([*command, *arguments], cwd=work, stdin=stdin, stdout=stdout, stderr=stderr,
                                   timeout=TIME_LIMIT, check=False)
             for stream in (stdout, stderr):
                 stream.seek(0)
             out, err = stdout.read(), stderr.read()
+            faults = [f"{name} was opened {count} times, not {wanted}\n"
+                      for (name, wanted), count in zip(counted, openings.counts()) if count != int(wanted)]
         if windows:
             err = err.replace(b"\r\n", b"\n")
             keeps_line_ends = arguments[:1] == ["transform"] or "-" in arguments
@@ -113,7 +142,7 @@ class Case:
                 out = out.replace(b"\r\n", b"\n")
         wanted = int(lines["="][0][1]) if lines["="] else 0
         status = None if done.returncode == wanted else f"exit status {done.returncode}, not {wanted}\n"
-        faults = [status, self.compare("output", lines[">"], out), self.compare("errors", lines["!"], err)]
+        faults += [status, self.compare("output", lines[">"], out), self.compare("errors", lines["!"], err)]
         return "".join(fault for fault in faults if fault)
 
     @staticmethod
@@ -134,7 +163,7 @@ def read_cases(path):
         if word == "==":
             cases.append(Case(rest, path.name))
         elif word == "$" or hasattr(Case, f"do_{word}"):
-            step = (number, "run" if word == "$" else word, rest, {key: [] for key in "|<>!="})
+            step = (number, "run" if word == "$" else word, rest, {key: [] for key in "|<>!=@"})
             cases[-1].steps.append(step)
         elif word.removesuffix("~") in step[3]:
             step[3][word.removesuffix("~")].append((mark, rest))

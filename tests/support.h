@@ -62,8 +62,8 @@ inline constexpr NamedEllipsoid ellipsoids[] = {{"Bessel", 6377397.155, 299.1528
                                                 {"Krassowski", 6378245.0, 298.3}};
 
 // The rows of a file in tests/data, one case a line, fields separated by tabs. Behind a backslash stand n r t
-// v f, a backslash, or x and two hexadecimal digits; {c*100} is the character c a hundred times. Lines that begin with #
-// are comments.
+// v f, a backslash, or x and two hexadecimal digits; {c*100} is the character c a hundred times. Lines that begin with
+// # are comments.
 using Row = std::vector<std::string>;
 std::vector<Row> rows(const std::string& file);
 

@@ -6,73 +6,64 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <numbers>
-#include <optional>
 #include <set>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "base/angles.h"
 #include "commands/commands.h"
+#include "datafiles/field_scanner.h"
 #include "keeper/anomaly_map.h"
 #include "keeper/closure.h"
-#include "keeper/data_lines.h"
-#include "keeper/directory.h"
+#include "keeper/data_directory.h"
 #include "keeper/findings.h"
 #include "keeper/height_model.h"
 #include "system/files.h"
 #include "system/output.h"
 #include "system/platform.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
 
-constexpr std::size_t textFileLimit = std::size_t{1} << 24U;     // bytes of DEFAULT or a parameter file
-constexpr std::size_t heightModelLimit = std::size_t{1} << 27U;  // bytes of hoehe.ini
-constexpr double closureLimit = 0.001;                           // metres
+constexpr double closureLimit = 0.001;  // metres
 constexpr double millimetres = 1000.0;
 
-std::string plural(std::size_t count, const std::string& word) {
-    return std::to_string(count) + ' ' + word + (count == 1 ? "" : "s");
-}
-
-void report_long_lines(const DataLines& lines, const std::string& file, Findings& findings) {
-    for (const std::size_t number : lines.long_lines()) {
-        findings.defect(
-            "too long lines in " + file,
-            file + ": line " + std::to_string(number) +
-                ": 1000 characters or more: what is beyond the first 999 is read as another line");
-    }
-}
+const std::string definitionName(definitionFileName);  // NOLINT(cert-err58-cpp): nothing to throw
 
 // The definition file as it stands, beside what the library makes of it.
 struct DefinitionText {
+    bool hasHead = false;
     int announced = 0;
     std::size_t linesBehindHead = 0;
 };
 
-// Nothing where the file cannot be read or has no head line; what is found is added to the findings.
-std::optional<DefinitionText> read_definition_text(const std::string& directory, Findings& findings) {
-    const auto path = find_data_file(directory, u"DEFAULT");
-    if (!path) {
-        return std::nullopt;
-    }
-    DataLines lines(read_file(*path, textFileLimit));
+// What is found is added to the findings.
+DefinitionText read_definition_text(const DataDirectory& directory, Findings& findings) {
     DefinitionText text;
-    const bool hasHead = lines.next();
-    Fields head(lines.text());
-    if (!hasHead || !head.integer(text.announced)) {
-        return std::nullopt;
+    LineReader lines;
+    if (!lines.open(directory.bytes, definitionFileName)) {
+        return text;
     }
-    int scrambled = 0;
-    if (head.integer(scrambled) && scrambled != 0 && scrambled != 1) {
-        findings.defect("flag", "DEFAULT: the head line marks scrambled files by " +
-                                    std::to_string(scrambled) + ", which counts as 0: plain");
+    while (lines.next() == status::ok) {
+        findings.overlong_line(lines, definitionName);
+        if (text.hasHead) {
+            ++text.linesBehindHead;
+            continue;
+        }
+        FieldScanner head(lines.text());
+        if (!head.integer(text.announced)) {
+            return text;
+        }
+        text.hasHead = true;
+        int scrambled = 0;
+        if (head.integer(scrambled) && scrambled != 0 && scrambled != 1) {
+            findings.defect("flag", definitionName + ": the head line marks scrambled files by " +
+                                        std::to_string(scrambled) + ", which counts as 0: plain");
+        }
     }
-    while (lines.next()) {
-        ++text.linesBehindHead;
-    }
-    report_long_lines(lines, "DEFAULT", findings);
+    findings.overlong_line(lines, definitionName);
     return text;
 }
 
@@ -83,102 +74,91 @@ std::string entries_there(const DefinitionText& text) {
            std::to_string(whole);
 }
 
-void check_definition(const std::string& directory, const Definition& definition, Findings& findings) {
-    const auto text = read_definition_text(directory, findings);
-    if (text) {
-        const int read = static_cast<int>(definition.entries.size());
-        if (text->announced > LAGESTATUS_MAX_ENTRIES) {
-            findings.defect("count", "DEFAULT: announces " + std::to_string(text->announced) +
-                                         " systems; only the first " +
-                                         std::to_string(LAGESTATUS_MAX_ENTRIES) + " are read");
-        } else if (read == 0) {
-            findings.defect("count", "DEFAULT: announces no system");
+void check_definition(const DataDirectory& directory, Findings& findings) {
+    const DefinitionText text = read_definition_text(directory, findings);
+    const std::size_t read = directory.entries().size();
+    const std::string most = std::to_string(maxEntries);
+    if (text.announced > static_cast<int>(maxEntries)) {
+        findings.defect("count", definitionName + ": announces " + std::to_string(text.announced) +
+                                     " systems; only the first " + most + " are read");
+    } else {
+        if (read == 0) {
+            findings.defect("count", definitionName + ": announces no system");
         }
-        if (text->announced <= LAGESTATUS_MAX_ENTRIES &&
-            text->linesBehindHead > 2 * static_cast<std::size_t>(read)) {
-            findings.defect("count", "DEFAULT: " + entries_there(*text) +
-                                         (text->linesBehindHead % 2 == 0 ? "" : " and a half") +
+        if (text.linesBehindHead > 2 * read) {
+            findings.defect("count", definitionName + ": " + entries_there(text) +
+                                         (text.linesBehindHead % 2 == 0 ? "" : " and a half") +
                                          "; what is behind the announced ones is not read");
         }
     }
     std::set<int> known;
-    for (const Entry& entry : definition.entries) {
+    for (const DefinitionEntry& entry : directory.entries()) {
         if (!known.insert(entry.code).second) {
-            findings.defect("codes", "DEFAULT: " + std::to_string(entry.code) +
+            findings.defect("codes", definitionName + ": " + std::to_string(entry.code) +
                                          " is listed more than once; only the first counts, not " +
-                                         parameter_file_name(definition, entry));
+                                         directory.file_name(entry));
         }
     }
 }
 
 // Where DEFAULT was refused: the reason that a message cannot tell.
-void explain_definition(const std::string& directory) {
+void explain_definition(const DataDirectory& directory) {
     Findings findings;
-    try {
-        const auto text = read_definition_text(directory, findings);
-        if (text && text->announced > 0 &&
-            text->linesBehindHead <
-                2 * static_cast<std::size_t>(std::min(text->announced, LAGESTATUS_MAX_ENTRIES))) {
-            complain("DEFAULT " + entries_there(*text));
-        }
-    } catch (const FileError& error) {
-        complain(error.what());
+    const DefinitionText text = read_definition_text(directory, findings);
+    const int entries = std::clamp(text.announced, 0, static_cast<int>(maxEntries));
+    if (text.linesBehindHead < 2 * static_cast<std::size_t>(entries)) {
+        complain(definitionName + " " + entries_there(text));
     }
     findings.print();
 }
 
 // What the library does not say about a parameter file that it reads.
-void check_parameter_text(const std::string& directory, const Definition& definition, const Entry& entry,
+void check_parameter_text(const DataDirectory& directory, const DefinitionEntry& entry,
                           const std::string& file, Findings& findings) {
-    const auto path = find_data_file(directory, entry.fileBase + (definition.scrambled ? u".tr0" : u".tra"));
-    if (!path) {
+    LineReader lines;
+    if (open_parameter_file(lines, directory.bytes, entry.name.view(), directory.definition.scrambled) !=
+        status::ok) {
         return;
     }
-    DataLines lines(read_file(*path, textFileLimit));
-    if (definition.scrambled && !lines.read_key()) {
-        return;
-    }
-    constexpr std::size_t firstQuoted = 2;
-    constexpr std::size_t firstNumber = 5;
-    constexpr std::size_t lastLine = 40;
-    constexpr std::size_t firstOfTwo = 21;
-    struct Text {
-        const char* name;
-        std::size_t kept;  // characters
-    };
-    constexpr std::array<Text, 3> texts = {{{"name of the system", LAGESTATUS_NAME_SIZE - 1},
-                                            {"name of the ellipsoid", LAGESTATUS_ELLIPSOID_SIZE - 1},
-                                            {"kind of the system", LAGESTATUS_KIND_SIZE - 1}}};
-    std::size_t behind = 0;
-    for (std::size_t number = 1; lines.next(); ++number) {
-        const std::string where = file + ": line " + std::to_string(lines.number()) + ": ";
-        if (number >= firstQuoted && number < firstNumber) {
-            const Text& text = texts[number - firstQuoted];
-            const auto words = quoted(lines.text());
-            if (words && words->size() > text.kept) {
-                findings.note("cut texts in " + file, where + "of the " + text.name + " only the first " +
-                                                          std::to_string(text.kept) + " characters are kept");
-            }
-        } else if (number >= firstNumber && number <= lastLine) {
-            Fields fields(lines.text());
-            double value = 0.0;
-            const int columns = number >= firstOfTwo ? 2 : 1;
-            for (int column = 0; column < columns && fields.number(value); ++column) {
-                if (fields.rest().starts_with(',')) {
-                    findings.defect("decimal commas in " + file, where + excerpt(lines.text()) +
-                                                                     " is read as " + number_text(value) +
-                                                                     ": numbers have a decimal point");
-                    break;
-                }
-            }
+    const auto check_text = [&](const std::string& name, std::size_t kept) {
+        if (quoted_text(lines.text(), LineReader::maxLength).size() > kept) {
+            findings.note("cut texts in " + file, file + ": line " + std::to_string(lines.number()) +
+                                                      ": of the " + name + " only the first " +
+                                                      std::to_string(kept) + " characters are kept");
         }
-        behind += number > lastLine ? 1 : 0;
+    };
+    std::size_t read = 0;
+    for (; lines.next() == status::ok; ++read) {
+        findings.overlong_line(lines, file);
+        if (read >= parameterFields.size()) {
+            continue;
+        }
+        switch (parameterFields.at(read).scan) {
+            case ParameterScan::code:
+                break;
+            case ParameterScan::systemName:
+                check_text("name of the system", SystemDescription::SystemName::maxLength);
+                break;
+            case ParameterScan::ellipsoidName:
+                check_text("name of the ellipsoid", SystemDescription::EllipsoidName::maxLength);
+                break;
+            case ParameterScan::kind:
+                check_text("kind of the system", SystemDescription::KindText::maxLength);
+                break;
+            case ParameterScan::number:
+            case ParameterScan::longitude:
+                findings.decimal_commas(lines, 1, file);
+                break;
+            case ParameterScan::columns:
+                findings.decimal_commas(lines, 2, file);
+                break;
+        }
     }
-    if (behind > 0) {
-        findings.note("lines behind " + file,
-                      file + ": " + plural(behind, "line") + " behind the fortieth, which are not read");
+    findings.overlong_line(lines, file);
+    if (read > parameterFields.size()) {
+        findings.note("lines behind " + file, file + ": " + plural(read - parameterFields.size(), "line") +
+                                                  " behind the fortieth, which are not read");
     }
-    report_long_lines(lines, file, findings);
 }
 
 struct Examined {
@@ -198,13 +178,13 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
             std::find_if(systems.begin(), systems.begin() + static_cast<std::ptrdiff_t>(number),
                          [&one](const Examined& earlier) {
                              return earlier.source.status == 0 && one.source.status == 0 &&
-                                    earlier.source.ellipsoid == one.source.ellipsoid;
+                                    earlier.source.ellipsoid() == one.source.ellipsoid();
                          });
         if (other == systems.begin() + static_cast<std::ptrdiff_t>(number)) {
             continue;
         }
         const std::string both =
-            one.file + ": has the ellipsoid \"" + one.source.ellipsoid + "\" as " + other->file;
+            one.file + ": has the ellipsoid \"" + one.source.ellipsoid() + "\" as " + other->file;
         if (!one.source.has_axes_of(other->source)) {
             findings.defect("ellipsoids", both + ", but other semi-axes");
         } else if (!one.source.in_bessel_datum() &&
@@ -219,19 +199,18 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
 
 // Where points of a system are tried.
 Area area_of(const System& system) {
-    constexpr Range germanLatitudes = {47.0, 55.5, 18};
-    constexpr double degree = std::numbers::pi / 180.0;
+    constexpr Places germanLatitudes = {47.0, 55.5, 18};
     const auto around = [](double middle, double reach, int count) {
-        return Range{middle - reach, middle + reach, count};
+        return Places{middle - reach, middle + reach, count};
     };
-    const double origin = system.parameters[slots::longitudeOfOrigin];
-    if (system.is(Kind::soldner)) {
+    const double origin = system.parameters[slot::longitudeOfOrigin];
+    if (system.is(ProjectionKind::soldner)) {
         constexpr double furthest = 89.0;  // short of the poles
         constexpr double reach = 0.4375;
-        const double latitude = system.parameters[slots::latitudeOfOrigin] / degree;
+        const double latitude = system.parameters[slot::latitudeOfOrigin] / degree;
         return {around(std::clamp(latitude, -furthest, furthest), reach, 8), around(origin, reach, 8)};
     }
-    if (system.is(Kind::gaussKrueger) && !zone_layout_of(system).strips) {
+    if (system.is(ProjectionKind::gaussKrueger) && !system.zones().strips) {
         return {germanLatitudes, around(origin, 1.375, 12)};
     }
     return {germanLatitudes, {5.7, 15.2, 20}};
@@ -252,7 +231,7 @@ std::vector<std::string> check_closure(const Examined& system, Findings& finding
     }
     const Closures closures = closures_of({system.source, system.target}, area);
     for (const auto& [status, failure] : closures.failures) {
-        findings.defect("closures", system.file + ": " + refusal_text(status, system.file) + " (" +
+        findings.defect("closures", system.file + ": " + status_text(status, system.file) + " (" +
                                         plural(failure.count, "point") + " of its area, the first at " +
                                         failure.firstPlace + ")");
     }
@@ -261,7 +240,11 @@ std::vector<std::string> check_closure(const Examined& system, Findings& finding
             system.file + ": the decadic complement leaves " +
             (closures.own.points == 0 ? "no point" : "only " + plural(closures.own.points, "point")) +
             " of the area that was tried a coordinate of its own";
-        closures.own.points == 0 ? findings.defect("complements", what) : findings.note("complements", what);
+        if (closures.own.points == 0) {
+            findings.defect("complements", what);
+        } else {
+            findings.note("complements", what);
+        }
     }
     const auto off = [](const Closure& closure) { return !(closure.largest <= closureLimit); };
     if (off(closures.own)) {
@@ -282,14 +265,13 @@ std::vector<std::string> check_closure(const Examined& system, Findings& finding
     return {millimetre_text(shown.largest), millimetre_text(shown.mean), std::to_string(shown.points)};
 }
 
-void check_systems(const std::string& directory, const Definition& definition, Findings& findings) {
+void check_systems(const DataDirectory& directory, Findings& findings) {
     std::vector<Examined> systems;
     std::vector<std::vector<std::string>> rows = {
         {"  code", "file", "source", "target", "largest closure, mm", "mean, mm", "points"}};
-    for (const Entry& entry : definition.entries) {
-        systems.push_back({parameter_file_name(definition, entry),
-                           read_system(directory, definition, entry, Role::source),
-                           read_system(directory, definition, entry, Role::target)});
+    for (const DefinitionEntry& entry : directory.entries()) {
+        systems.push_back({directory.file_name(entry), read_system(directory, entry, Column::intoBessel),
+                           read_system(directory, entry, Column::outOfBessel)});
         const Examined& system = systems.back();
         const int source = system.source.status;
         const int target = system.target.status;
@@ -305,11 +287,7 @@ void check_systems(const std::string& directory, const Definition& definition, F
             findings.defect("parameter files",
                             system.file + ": as a target: " + status_text(target, system.file));
         }
-        try {
-            check_parameter_text(directory, definition, entry, system.file, findings);
-        } catch (const FileError& error) {
-            findings.defect("parameter files", error.what());
-        }
+        check_parameter_text(directory, entry, system.file, findings);
         if (source == 0 && target == 0) {
             const auto closure = check_closure(system, findings);
             row.insert(row.end(), closure.begin(), closure.end());
@@ -323,21 +301,21 @@ void check_systems(const std::string& directory, const Definition& definition, F
     print_table(rows);
 }
 
-std::string place_text(const HeightModel& model, std::int64_t number) {
+std::string place_text(const HeldModel& model, std::int64_t number) {
     constexpr int decimals = 6;
     const std::int64_t columns = model.longitude.count;
     return trimmed_text(model.latitude.at(number / columns), decimals) + "° N " +
            trimmed_text(model.longitude.at(number % columns), decimals) + "° E";
 }
 
-std::string range_text(const GridRange& range, const std::string& lines) {
+std::string range_text(const GridAxis& range, const std::string& lines) {
     return number_text(range.smallest) + "° to " + number_text(range.largest) + "°, spacing " +
            spacing_text(range.spacing) + ": " + std::to_string(range.count) + ' ' + lines;
 }
 
 using Rows = std::vector<std::vector<std::string>>;
 
-Rows grid_rows(const HeightModel& model, const GridSummary& summary) {
+Rows grid_rows(const HeldModel& model, const GridSummary& summary) {
     const auto valueText = [&model](std::int64_t number) {
         return fixed_text(static_cast<double>(model.values[static_cast<std::size_t>(number)]), 3) + " m at " +
                place_text(model, number);
@@ -368,33 +346,29 @@ Rows grid_rows(const HeightModel& model, const GridSummary& summary) {
 }
 
 // The path of the map is empty where none is wanted.
-void check_height_model(const std::string& directory, const std::string& map, Findings& findings) {
-    const std::string name = "hoehe.ini";
+void check_height_model(const DataDirectory& directory, const std::string& map, Findings& findings) {
+    const std::string name(heightModelFileName);
     put("\nHeight model\n");
     const auto noMap = [&map, &findings](const std::string& reason) {
         if (!map.empty()) {
             findings.defect("map", map + ": not written: " + reason);
         }
     };
-    const auto path = find_data_file(directory, u"hoehe.ini");
-    std::error_code none;
-    if (!path && std::filesystem::exists(file_path(in_directory(directory, name)), none)) {
-        findings.defect("file", name + ": is no regular file");
-        noMap("the height model cannot be read");
+    LineReader lines;
+    if (!lines.open(directory.bytes, heightModelFileName)) {
+        std::error_code none;
+        if (std::filesystem::exists(file_path(directory.path_of(name)), none)) {
+            findings.defect("file", name + ": is there, and cannot be opened as a regular file");
+            noMap("the height model cannot be read");
+        } else {
+            findings.note("file", "there is no height model; wherever one is needed, " +
+                                      status_text(status::heightModel + status::heightModelNotOpened, name));
+            noMap("there is no height model");
+        }
         return;
     }
-    if (!path) {
-        const int status = heightModelFrom + 110;
-        findings.note("file",
-                      "there is no height model; wherever one is needed, " + status_text(status, name));
-        noMap("there is no height model");
-        return;
-    }
-    HeightModel model;
-    try {
-        model = read_height_model(read_file(*path, heightModelLimit), name, findings);
-    } catch (const FileError& error) {
-        findings.defect("file", error.what());
+    const HeldModel model = read_height_model(lines, findings);
+    if (lines.failed()) {
         noMap("the height model cannot be read");
         return;
     }
@@ -405,7 +379,7 @@ void check_height_model(const std::string& directory, const std::string& map, Fi
     const GridSummary summary = summary_of(model);
     Rows rows = grid_rows(model, summary);
     if (model.wholeGrid) {
-        const LibraryAnswers answers = ask_library(directory, model, name, findings);
+        const LibraryAnswers answers = ask_library(directory.bytes, model, findings);
         rows.push_back({"  library", plural(answers.asked, "cell") + " asked for, " +
                                          std::to_string(answers.withValue) + " with a height anomaly"});
     }
@@ -424,10 +398,10 @@ void check_height_model(const std::string& directory, const std::string& map, Fi
     print_table(rows);
 }
 
-int check_directory(const std::string& directory, const std::string& map) {
-    Definition definition;
-    if (!open_directory(directory, definition)) {
-        if (definition.status != 0) {
+int check_directory(const std::string& name, const std::string& map) {
+    DataDirectory directory;
+    if (!open_directory(name, directory)) {
+        if (directory.status != status::ok) {
             explain_definition(directory);
         }
         return nothingDone;
@@ -437,18 +411,14 @@ int check_directory(const std::string& directory, const std::string& map) {
         findings.print();
         defects += findings.defects();
     };
-    put("Definition file\n  " + plural(definition.entries.size(), "system") + ", parameter files " +
-        (definition.scrambled ? "scrambled (.tr0)" : "plain (.tra)") + '\n');
+    put("Definition file\n  " + plural(directory.entries().size(), "system") + ", parameter files " +
+        (directory.definition.scrambled ? "scrambled (.tr0)" : "plain (.tra)") + '\n');
     Findings inDefinition;
-    try {
-        check_definition(directory, definition, inDefinition);
-    } catch (const FileError& error) {
-        inDefinition.defect("file", error.what());
-    }
+    check_definition(directory, inDefinition);
     closeSection(inDefinition);
 
     Findings inSystems;
-    check_systems(directory, definition, inSystems);
+    check_systems(directory, inSystems);
     closeSection(inSystems);
 
     Findings inHeights;

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "commands/commands.h"
-#include "keeper/directory.h"
+#include "keeper/data_directory.h"
 #include "keeper/import_steps.h"
 #include "system/files.h"
-#include "system/numbers.h"
 #include "system/output.h"
+#include "system/text.h"
 
 namespace cli {
 
@@ -45,7 +45,7 @@ std::string short_text(double value) {
     return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;
 }
 
-std::string quoted_text(const char* option, const std::string& text, std::size_t longest) {
+std::string quotable_text(const char* option, const std::string& text, std::size_t longest) {
     const std::optional<std::string> bytes = latin1(text);
     const auto isControl = [](char character) {
         const auto byte = static_cast<unsigned char>(character);
@@ -82,11 +82,11 @@ struct Imported {
 };
 
 Imported imported(const ImportOptions& options) {
-    Definition definition;
+    DataDirectory directory;
     if (!options.hubCode.empty() && options.directory.empty()) {
         throw Refused("--hub " + options.hubCode + ": the directory -d that lists it is missing");
     }
-    if (!options.directory.empty() && !open_directory(options.directory, definition)) {
+    if (!options.directory.empty() && !open_directory(options.directory, directory)) {
         throw Refused("-d " + options.directory + ": cannot be used");
     }
     ParameterText content;
@@ -95,18 +95,18 @@ Imported imported(const ImportOptions& options) {
         throw Refused("CODE " + options.code + ": is no whole number of 32 bits");
     }
     content.code = *code;
-    content.name = quoted_text("--name", options.name, LAGESTATUS_NAME_SIZE - 1);
-    content.kind = options.kind;
+    content.name = quotable_text("--name", options.name, SystemDescription::SystemName::maxLength);
     content.headComments = {content.name +
                             ", geschrieben von lagestatus import aus veröffentlichten Parametern."};
     set_ellipsoid(content, options);
     set_projection(content, options);
-    set_datum(content, options, definition);
+    set_datum(content, options, directory);
 
     const std::string text = text_of(content);
-    const BothRoles system = {system_of(text, Role::source), system_of(text, Role::target)};
+    const BothRoles system = {system_of(text, content.code, Column::intoBessel),
+                              system_of(text, content.code, Column::outOfBessel)};
     Imported done = {latin1(text).value(), report_of(system, content, options)};
-    note_equal_names(system, content.code, options, definition);
+    note_equal_names(system, content.code, directory);
     return done;
 }
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "commands/commands.h"
-#include "keeper/library.h"
+#include "keeper/data_directory.h"
 #include "system/output.h"
 
 namespace cli {

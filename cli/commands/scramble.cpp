@@ -1,22 +1,24 @@
 // scramble and unscramble: the two forms of parameter files and height models.
-#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <string>
 
 #include "commands/commands.h"
+#include "datafiles/parameter_file.h"
 #include "keeper/scrambling.h"
 #include "system/files.h"
-#include "system/numbers.h"
 #include "system/output.h"
 #include "system/platform.h"
+#include "system/text.h"
 
 namespace cli {
+
+using lagestatus::plainExtension;
+using lagestatus::scrambledExtension;
+
 namespace {
 
-constexpr const char* plainExtension = ".tra";
-constexpr const char* scrambledExtension = ".tr0";
-constexpr const char* heightModelExtension = ".ini";
+constexpr std::string_view heightModelExtension = ".ini";
 
 struct Options {
     std::string file;
@@ -26,21 +28,20 @@ struct Options {
 };
 
 std::string extension_of(const std::string& path) {
-    std::string extension = path_text(file_path(path).extension());
-    std::transform(extension.begin(), extension.end(), extension.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return extension;
+    return lower_case(path_text(file_path(path).extension()));
 }
 
 // What a file is by its name, and where its other form goes; the form is as it has to be for this direction.
 struct Place {
-    FileForm form;
+    FileKind form;
     std::string output;
 };
 
-Place place_of(const Options& options, const char* from, const char* into, const char* alreadyDone) {
+Place place_of(const Options& options, std::string_view from, std::string_view into,
+               const std::string& alreadyDone) {
     const std::string extension = extension_of(options.file);
+    const std::string fromText(from);
+    const std::string intoText(into);
     if (extension == into) {
         throw FileError(options.file + ": is " + alreadyDone + " already, by its name");
     }
@@ -49,19 +50,19 @@ Place place_of(const Options& options, const char* from, const char* into, const
             throw FileError(options.file +
                             ": both forms have this name; say with -o where the other one goes");
         }
-        return {FileForm::heightModel, options.output};
+        return {FileKind::heightModel, options.output};
     }
     if (extension != from) {
-        throw FileError(options.file + ": is no " + from + " or " + heightModelExtension +
+        throw FileError(options.file + ": is no " + fromText + " or " + std::string(heightModelExtension) +
                         " file: only parameter files and height models are scrambled");
     }
     if (options.output.empty()) {
-        return {FileForm::parameters, path_text(file_path(options.file).replace_extension(into))};
+        return {FileKind::parameters, path_text(file_path(options.file).replace_extension(into))};
     }
     if (extension_of(options.output) == from) {
-        throw FileError(options.output + ": would be taken for the other form; name it " + into);
+        throw FileError(options.output + ": would be taken for the other form; name it " + intoText);
     }
-    return {FileForm::parameters, options.output};
+    return {FileKind::parameters, options.output};
 }
 
 void write(const Options& options, const std::string& path, const std::string& bytes) {
@@ -75,7 +76,7 @@ void write(const Options& options, const std::string& path, const std::string& b
 }
 
 // A few keys that a text can be scrambled with, in words.
-std::string keys_that_do(const std::string& plain, FileForm form) {
+std::string keys_that_do(const std::string& plain, FileKind form) {
     constexpr int smallest = 2;
     constexpr int largest = 99;
     constexpr int enough = 3;

@@ -9,20 +9,22 @@
 #include <vector>
 
 #include "commands/commands.h"
-#include "keeper/directory.h"
+#include "geodesy/datum_step.h"
+#include "keeper/data_directory.h"
 #include "system/output.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct Slot {
+struct SlotText {
     const char* name;
     const char* unit;
 };
 
-constexpr std::array<Slot, LAGESTATUS_PARAMETER_COUNT> slots = {{
+constexpr std::array<SlotText, parameterCount> slotTexts = {{
     {"latitude of origin", "rad"},
     {"longitude of origin", "deg, above 360 a zone layout"},
     {"second shift in Y", "m"},
@@ -62,7 +64,7 @@ constexpr std::array<Slot, LAGESTATUS_PARAMETER_COUNT> slots = {{
 }};
 
 // The names of the slots for programs, in the same order.
-std::string key_of(const Slot& slot) {
+std::string key_of(const SlotText& slot) {
     std::string key = slot.name;
     key.erase(std::remove(key.begin(), key.end(), ':'), key.end());
     std::replace(key.begin(), key.end(), ' ', '_');
@@ -70,41 +72,41 @@ std::string key_of(const Slot& slot) {
 }
 
 struct Named {
-    const Entry& entry;
+    const DefinitionEntry& entry;
     std::string file;
     System source;
     System target;
     bool sourceOnly;
-    int status;
+    Status status;
 };
 
-Named read_entry(const std::string& directory, const Definition& definition, const Entry& entry) {
+Named read_entry(const DataDirectory& directory, const DefinitionEntry& entry) {
     Named named = {entry,
-                   parameter_file_name(definition, entry),
-                   read_system(directory, definition, entry, Role::source),
-                   read_system(directory, definition, entry, Role::target),
+                   directory.file_name(entry),
+                   read_system(directory, entry, Column::intoBessel),
+                   read_system(directory, entry, Column::outOfBessel),
                    false,
-                   0};
+                   status::ok};
     named.sourceOnly = is_source_only(named.source, named.target);
     named.status = named.source.status != 0 || named.sourceOnly ? named.source.status : named.target.status;
     return named;
 }
 
-std::string auxiliary_text(const Entry& entry) {
-    return entry.auxiliary == -1 ? "-" : std::to_string(entry.auxiliary);
+std::string auxiliary_text(const DefinitionEntry& entry) {
+    return entry.auxiliary == noAuxiliary ? "-" : std::to_string(entry.auxiliary);
 }
 
 Json json_of(const Named& named) {
     Json json = {{"code", named.entry.code},
-                 {"auxiliary", named.entry.auxiliary == -1 ? Json() : Json(named.entry.auxiliary)},
+                 {"auxiliary", named.entry.auxiliary == noAuxiliary ? Json() : Json(named.entry.auxiliary)},
                  {"file", named.file},
                  {"status", named.status}};
     if (named.status != 0) {
         json["message"] = message(named.status, named.file);
     } else {
-        json["name"] = named.source.name;
-        json["kind"] = named.source.kind;
-        json["ellipsoid"] = named.source.ellipsoid;
+        json["name"] = named.source.name();
+        json["kind"] = named.source.kind_text();
+        json["ellipsoid"] = named.source.ellipsoid();
         json["source_only"] = named.sourceOnly;
     }
     return json;
@@ -115,36 +117,40 @@ void put_json(const Json& json) {
     put(json.dump(indent) + '\n');
 }
 
-int list_systems(const std::string& directory, bool asJson) {
-    Definition definition;
-    if (!open_directory(directory, definition)) {
+int list_systems(const std::string& name, bool asJson) {
+    DataDirectory directory;
+    if (!open_directory(name, directory)) {
         return nothingDone;
     }
     int exitStatus = allGood;
     Json json = Json::array();
     std::vector<std::vector<std::string>> rows = {{"code", "aux", "file", "kind", "ellipsoid", "name"}};
-    for (const Entry& entry : definition.entries) {
-        const Named named = read_entry(directory, definition, entry);
+    for (const DefinitionEntry& entry : directory.entries()) {
+        const Named named = read_entry(directory, entry);
         std::vector<std::string> row = {std::to_string(entry.code), auxiliary_text(entry), named.file};
         if (named.status != 0) {
             exitStatus = someFailed;
             row.insert(row.end(), {"*", "*", status_text(named.status, named.file)});
         } else {
             row.insert(row.end(),
-                       {named.source.kind, named.source.ellipsoid,
-                        named.source.name + (named.sourceOnly ? " (source only: status 70)" : "")});
+                       {named.source.kind_text(), named.source.ellipsoid(),
+                        named.source.name() + (named.sourceOnly ? " (source only: status 70)" : "")});
         }
         rows.push_back(row);
         json.push_back(json_of(named));
     }
-    asJson ? put_json(json) : print_table(rows);
+    if (asJson) {
+        put_json(json);
+    } else {
+        print_table(rows);
+    }
     return exitStatus;
 }
 
 // What the longitude of origin says, in the words of surveyors.
 std::string zone_layout(const System& system) {
-    const ZoneLayout layout = zone_layout_of(system);
-    const double value = system.parameters[slots::longitudeOfOrigin];
+    const ZoneLayout layout = system.zones();
+    const double value = system.parameters[slot::longitudeOfOrigin];
     if (!layout.strips) {
         const std::string prefix =
             system.zoneNumber != 0 ? ", Kennziffer " + std::to_string(system.zoneNumber) : "";
@@ -160,40 +166,40 @@ std::string stages(const System& system) {
     if (system.in_bessel_datum()) {
         return "none: lies in the Bessel datum";
     }
-    return system.has_two_stages() ? "two stages" : "one stage";
+    return has_intermediate_set(system.parameters) ? "two stages" : "one stage";
 }
 
-int show_system(const std::string& directory, int code, bool asJson) {
-    Definition definition;
+int show_system(const std::string& name, int code, bool asJson) {
+    DataDirectory directory;
     System source;
-    if (!open_directory(directory, definition) ||
-        !open_system(directory, definition, code, Role::source, source)) {
+    if (!open_directory(name, directory) || !open_system(directory, code, Column::intoBessel, source)) {
         return nothingDone;
     }
-    const Named named = read_entry(directory, definition, *find_entry(definition, code));
+    const Named named = read_entry(directory, *directory.definition.find(code));
     if (named.status != 0) {
-        complain(status_text(named.status, in_directory(directory, named.file)));
+        complain(status_text(named.status, directory.path_of(named.file)));
         return nothingDone;
     }
     const System& target = named.target;
-    // The zone number is read with the target's side of the file, even where its second column is missing.
-    source.zoneNumber = target.zoneNumber;
     if (asJson) {
         Json json = json_of(named);
-        json["zone_number"] = target.zoneNumber;
-        if (source.is(Kind::gaussKrueger)) {
+        json["zone_number"] = source.zoneNumber;
+        if (source.kind().hasStrips) {
             json["zone_layout"] = zone_layout(source);
         }
-        json["stages_into_bessel"] = source.in_bessel_datum() ? 0 : source.has_two_stages() ? 2 : 1;
-        json["stages_out_of_bessel"] = named.sourceOnly           ? Json()
-                                       : source.in_bessel_datum() ? Json(0)
-                                                                  : Json(target.has_two_stages() ? 2 : 1);
+        json["stages_into_bessel"] = source.in_bessel_datum()                  ? 0
+                                     : has_intermediate_set(source.parameters) ? 2
+                                                                               : 1;
+        json["stages_out_of_bessel"] = named.sourceOnly ? Json()
+                                       : source.in_bessel_datum()
+                                           ? Json(0)
+                                           : Json(has_intermediate_set(target.parameters) ? 2 : 1);
         json["parameters"] = Json::array();
-        for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+        for (std::size_t slot = 0; slot < slotTexts.size(); ++slot) {
             json["parameters"].push_back(
                 {{"slot", slot},
-                 {"name", key_of(slots[slot])},
-                 {"unit", slots[slot].unit},
+                 {"name", key_of(slotTexts[slot])},
+                 {"unit", slotTexts[slot].unit},
                  {"into_bessel", source.parameters[slot]},
                  {"out_of_bessel", named.sourceOnly ? Json() : Json(target.parameters[slot])}});
         }
@@ -202,20 +208,20 @@ int show_system(const std::string& directory, int code, bool asJson) {
     }
     std::vector<std::vector<std::string>> head = {
         {"code", std::to_string(code)}, {"auxiliary", auxiliary_text(named.entry)},
-        {"file", named.file},           {"name", source.name},
-        {"kind", source.kind},          {"ellipsoid", source.ellipsoid}};
-    if (source.is(Kind::gaussKrueger)) {
+        {"file", named.file},           {"name", source.name()},
+        {"kind", source.kind_text()},   {"ellipsoid", source.ellipsoid()}};
+    if (source.kind().hasStrips) {
         head.push_back({"zones", zone_layout(source)});
     }
-    head.push_back({"zone number", std::to_string(target.zoneNumber)});
+    head.push_back({"zone number", std::to_string(source.zoneNumber)});
     head.push_back({"into Bessel", stages(source)});
     head.push_back({"out of Bessel", named.sourceOnly ? "not given (status 70)" : stages(target)});
     print_table(head);
     put("\n");
     std::vector<std::vector<std::string>> rows = {{"slot", "value", "into Bessel", "out of Bessel", "unit"}};
-    for (std::size_t slot = 0; slot < slots.size(); ++slot) {
-        rows.push_back({std::to_string(slot), slots[slot].name, number_text(source.parameters[slot]),
-                        named.sourceOnly ? "-" : number_text(target.parameters[slot]), slots[slot].unit});
+    for (std::size_t slot = 0; slot < slotTexts.size(); ++slot) {
+        rows.push_back({std::to_string(slot), slotTexts[slot].name, number_text(source.parameters[slot]),
+                        named.sourceOnly ? "-" : number_text(target.parameters[slot]), slotTexts[slot].unit});
     }
     print_table(rows);
     return allGood;

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "commands/commands.h"
-#include "keeper/directory.h"
+#include "keeper/data_directory.h"
 #include "points/ordered_work.h"
 #include "points/piece_reader.h"
 #include "points/point_writer.h"
@@ -58,7 +58,7 @@ FileForm file_form(const TransformOptions& options, const System& source) {
         form.delimiter = options.delimiter.front();
     }
     form.decimalComma = options.decimalComma;
-    form.angles = source.is(Kind::geographic);
+    form.angles = source.is(ProjectionKind::geographic);
     if (form.decimalComma && form.delimiter == ',') {
         throw std::invalid_argument("--decimal-comma: the delimiter cannot be a comma as well");
     }
@@ -82,7 +82,7 @@ FileForm file_form(const TransformOptions& options, const System& source) {
             form.columns.push_back(column - 1);
         }
     }
-    const bool geocentric = source.is(Kind::geocentric);
+    const bool geocentric = source.is(ProjectionKind::geocentric);
     form.looksForHeight = options.columns.empty() && !geocentric;
     if (geocentric && form.columns.size() < 3) {
         throw std::invalid_argument("--columns: a geocentric point has three columns");
@@ -106,8 +106,9 @@ RunOptions run_options(const TransformOptions& options, const System& source, co
     run.degreeDecimals = options.precision.size() > 1 ? options.precision[1]
                          : options.withSeconds        ? std::min(run.metreDecimals + 1, mostSecondDecimals)
                                                       : run.metreDecimals + 5;
-    const bool eastingFirstIn = (options.swap || options.swapInput) && !source.is(Kind::geocentric);
-    const bool eastingFirstOut = (options.swap || options.swapOutput) && !target.is(Kind::geocentric);
+    const bool eastingFirstIn = (options.swap || options.swapInput) && !source.is(ProjectionKind::geocentric);
+    const bool eastingFirstOut =
+        (options.swap || options.swapOutput) && !target.is(ProjectionKind::geocentric);
     run.exchanged = eastingFirstIn != eastingFirstOut;
     return run;
 }
@@ -212,26 +213,20 @@ class Outcome {
 };
 
 int transform_points(const TransformOptions& options) {
-    Definition definition;
+    DataDirectory directory;
     System source;
     System target;
-    if (!open_directory(options.directory, definition) ||
-        !open_system(options.directory, definition, options.from, Role::source, source) ||
-        !open_system(options.directory, definition, options.to, Role::target, target)) {
+    if (!open_directory(options.directory, directory) ||
+        !open_system(directory, options.from, Column::intoBessel, source) ||
+        !open_system(directory, options.to, Column::outOfBessel, target)) {
         return nothingDone;
     }
-    // What stands in front of the eastings of the source; a file that serves as a source only may not tell.
-    source.zoneNumber =
-        read_system(options.directory, definition, *find_entry(definition, options.from), Role::target)
-            .zoneNumber;
     const FileForm form = file_form(options, source);
     const RunOptions run = run_options(options, source, target);
     std::vector<Input> inputs = open_inputs(options.files);
 
-    const PointWriter writer(
-        run, options.directory, source, target,
-        in_directory(options.directory, parameter_file_name(definition, *find_entry(definition, options.to))),
-        in_directory(options.directory, "hoehe.ini"));
+    const PointWriter writer(run, directory, source, target,
+                             directory.file_name(*directory.definition.find(options.to)));
     OutputFile output = options.output.empty() ? OutputFile() : OutputFile(options.output);
     const bool besideTheRows = options.output.empty() && is_terminal(standardOutput);
     Progress progress(!options.quiet && !besideTheRows && is_terminal(standardError), total_size(inputs));

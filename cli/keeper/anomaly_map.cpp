@@ -14,9 +14,14 @@
 #include <utility>
 #include <vector>
 
-#include "system/output.h"
+#include "base/angles.h"
+#include "system/text.h"
 
 namespace cli {
+
+using lagestatus::degree;
+using lagestatus::GridAxis;
+
 namespace {
 
 struct Pixel {
@@ -99,7 +104,7 @@ std::vector<std::int64_t> every(std::int64_t count, std::int64_t factor) {
     return places;
 }
 
-bool all_plausible(const HeightModel& model, std::int64_t west, std::int64_t east, std::int64_t south,
+bool all_plausible(const HeldModel& model, std::int64_t west, std::int64_t east, std::int64_t south,
                    std::int64_t north) {
     const std::int64_t columns = model.longitude.count;
     if (!model.is_there(north * columns + east)) {
@@ -115,7 +120,7 @@ bool all_plausible(const HeightModel& model, std::int64_t west, std::int64_t eas
     return true;
 }
 
-Mesh mesh_of(const HeightModel& model, std::int64_t columnFactor, std::int64_t rowFactor) {
+Mesh mesh_of(const HeldModel& model, std::int64_t columnFactor, std::int64_t rowFactor) {
     Mesh mesh = {every(model.longitude.count, columnFactor), every(model.latitude.count, rowFactor), {}, {}};
     mesh.values.resize(mesh.columns.size() * mesh.rows.size());
     mesh.cells.resize(mesh.values.size());
@@ -140,8 +145,8 @@ struct Sheet {
     double top = 92.0;
     double width = 0.0;
     double height = 0.0;
-    const GridRange* longitude = nullptr;
-    const GridRange* latitude = nullptr;
+    const GridAxis* longitude = nullptr;
+    const GridAxis* latitude = nullptr;
     double columnWidth = 0.0;
     double rowHeight = 0.0;
 
@@ -156,7 +161,7 @@ struct Sheet {
     }
 };
 
-Sheet sheet_of(const HeightModel& model) {
+Sheet sheet_of(const HeldModel& model) {
     constexpr double widest = 760.0;
     constexpr double highest = 860.0;
     constexpr double least = 60.0;  // of a strip that is all too narrow
@@ -509,7 +514,7 @@ std::string tick_text(std::int64_t number, std::int64_t perDegree) {
 }
 
 // The ticks of an axis: how many there are to a degree, or none to less than one.
-std::int64_t ticks_per_degree(const GridRange& range, double pixels) {
+std::int64_t ticks_per_degree(const GridAxis& range, double pixels) {
     constexpr double apart = 58.0;
     const double wanted = pixels / apart / ((range.count - 1) * range.spacing);
     constexpr std::array<std::int64_t, 7> divisors = {1, 2, 3, 6, 12, 30, 60};
@@ -526,7 +531,7 @@ std::int64_t ticks_per_degree(const GridRange& range, double pixels) {
 
 // Graticule, ticks and their labels of one axis.
 void draw_axis(const Sheet& sheet, bool isLongitude, std::string& graticule, std::string& labels) {
-    const GridRange& range = isLongitude ? *sheet.longitude : *sheet.latitude;
+    const GridAxis& range = isLongitude ? *sheet.longitude : *sheet.latitude;
     const double pixels = isLongitude ? sheet.width : sheet.height;
     const std::int64_t perDegree = ticks_per_degree(range, pixels);
     const auto scale = static_cast<double>(perDegree);
@@ -596,12 +601,12 @@ std::string draw_fundamental_point(const Pixel& at) {
                 "Rauenberg");
 }
 
-std::string extent_text(const GridRange& range) {
+std::string extent_text(const GridAxis& range) {
     constexpr int decimals = 6;
     return trimmed_text(range.smallest, decimals) + "° to " + trimmed_text(range.largest, decimals) + "°";
 }
 
-std::string draw(const HeightModel& model, const GridSummary& summary, std::int64_t columnFactor,
+std::string draw(const HeldModel& model, const GridSummary& summary, std::int64_t columnFactor,
                  std::int64_t rowFactor) {
     const Mesh mesh = mesh_of(model, columnFactor, rowFactor);
     const Sheet sheet = sheet_of(model);
@@ -612,8 +617,8 @@ std::string draw(const HeightModel& model, const GridSummary& summary, std::int6
     const Classes classes = classes_of(valueOf(summary.smallest), valueOf(summary.largest));
 
     std::optional<Pixel> fundamental;
-    const double lon = model.fundamental_longitude();
-    const double lat = model.fundamental_latitude();
+    const double lon = model.lamR / degree;
+    const double lat = model.phiR / degree;
     if (lon > 0.0 && lat > 0.0 && lon >= model.longitude.smallest && lon <= model.longitude.largest &&
         lat >= model.latitude.smallest && lat <= model.latitude.largest) {
         fundamental = sheet.place(lon, lat);
@@ -686,7 +691,7 @@ std::string draw(const HeightModel& model, const GridSummary& summary, std::int6
 
 }  // namespace
 
-std::string anomaly_map(const HeightModel& model, const GridSummary& summary) {
+std::string anomaly_map(const HeldModel& model, const GridSummary& summary) {
     constexpr std::int64_t mostNodes = 300;  // along one axis
     constexpr std::size_t mostBytes = 1'450'000;
     for (std::int64_t nodes = mostNodes;; nodes = nodes * 2 / 3) {

@@ -5,8 +5,9 @@
 #include <optional>
 #include <utility>
 
-#include "keeper/directory.h"
+#include "keeper/data_directory.h"
 #include "system/output.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
@@ -25,15 +26,15 @@ void add_distance(Closure& closure, double metres) {
 // those within d / 2 of zero can.
 class Writable {
   public:
-    Writable(const System& geographic, System target) : half(target.parameters[slots::complement] / 2) {
-        if (!(half > 0.0) || !(target.is(Kind::soldner) || target.is(Kind::gaussKrueger))) {
+    Writable(const System& geographic, System target) : half(target.parameters[slot::decadicComplement] / 2) {
+        if (!(half > 0.0) || !target.kind().isPlane) {
             return;
         }
-        target.parameters[slots::complement] = 0.0;
-        target.parameters[slots::constantY] = 0.0;
-        target.parameters[slots::constantX] = 0.0;
-        target.parameters[slots::planeScale] = 1.0;
-        road.emplace(".", geographic, target);
+        for (const std::size_t slot : {slot::decadicComplement, slot::additiveY, slot::additiveX}) {
+            target.parameters.at(slot) = 0.0;
+        }
+        target.parameters[slot::planeScale] = 1.0;
+        road.emplace("", geographic, target);
     }
 
     [[nodiscard]] bool operator()(const Point& place) const {
@@ -51,44 +52,34 @@ class Writable {
 
 }  // namespace
 
-System neutral_system(const std::string& kind, const std::string& ellipsoid, double semiMajorAxis,
-                      double semiMinorAxis) {
+System neutral_system(ProjectionKind kind, std::string_view ellipsoidName, const Ellipsoid& axes) {
     System system;
-    system.kind = kind;
-    system.ellipsoid = ellipsoid;
+    system.projectionKind.assign(kind_name(kind));
+    system.ellipsoidName.assign(ellipsoidName);
     for (const std::size_t scale :
-         {slots::meridianScale, slots::planeScale, slots::datumScale, slots::intermediateScale}) {
+         {slot::meridianScale, slot::planeScale, slot::datumScale, slot::intermediateScale}) {
         system.parameters.at(scale) = 1.0;
     }
-    system.parameters[slots::semiMajorAxis] = semiMajorAxis;
-    system.parameters[slots::semiMinorAxis] = semiMinorAxis;
+    system.parameters[slot::semiMajorAxis] = axes.a;
+    system.parameters[slot::semiMinorAxis] = axes.b;
     return system;
 }
 
-System of_kind(System system, const std::string& kind) {
-    system.kind = kind;
+System of_kind(System system, ProjectionKind kind) {
+    system.projectionKind.assign(kind_name(kind));
     return system;
-}
-
-NotCarried::NotCarried(int refusal) : std::runtime_error(refusal_text(refusal, "")), refusedWith(refusal) {}
-
-std::string refusal_text(int status, const std::string& fileName) {
-    return status == 0 ? "the result is no finite number" : status_text(status, fileName);
 }
 
 Point carried(const Road& road, const Point& point) {
-    const Transformed done = road.transform(point, {});
-    const Point result = {done.result[0], done.result[1], done.result[2]};
-    const bool complete = done.status == 0 || done.status >= heightModelFrom;  // heights are not asked for
-    if (!complete ||
-        !std::all_of(result.begin(), result.end(), [](double value) { return std::isfinite(value); })) {
-        throw NotCarried(complete ? 0 : done.status);
+    const auto [status, result] = road.transform(point, {});
+    if (status != status::ok) {
+        throw NotCarried(status);
     }
-    return result;
+    return {result[0], result[1], result[2]};
 }
 
 Point carried(const Point& point, const System& source, const System& target) {
-    return carried(Road(".", source, target), point);
+    return carried(Road("", source, target), point);
 }
 
 std::string place_text(double latitude, double longitude) {
@@ -97,18 +88,19 @@ std::string place_text(double latitude, double longitude) {
 
 Closures closures_of(const BothRoles& system, const Area& area) {
     constexpr double height = 100.0;
-    const System bessel = neutral_system("Geozentrisch", "Bessel", 6377397.155, 6356078.962818189);
-    // Under a name that is not Bessel's the library asks for no heights, and between equal names makes no datum step.
+    const System bessel =
+        neutral_system(ProjectionKind::geocentric, "Bessel", {6377397.155, 6356078.962818189});
+    // Between equal names no datum step is made, whichever the system has.
     BothRoles own = system;
-    own.source.ellipsoid = "own";
-    own.target.ellipsoid = "own";
-    const System geographic = of_kind(own.source, "Geographisch");
-    const System geocentric = of_kind(own.target, "Geozentrisch");
-    const Road start(".", geographic, geocentric);
-    const Road there(".", geographic, own.target);
-    const Road back(".", own.source, geocentric);
-    const Road intoBessel(".", system.source, bessel);
-    const Road outOfBessel(".", bessel, system.target);
+    own.source.ellipsoidName.assign("own");
+    own.target.ellipsoidName.assign("own");
+    const System geographic = of_kind(own.source, ProjectionKind::geographic);
+    const System geocentric = of_kind(own.target, ProjectionKind::geocentric);
+    const Road start("", geographic, geocentric);
+    const Road there("", geographic, own.target);
+    const Road back("", own.source, geocentric);
+    const Road intoBessel("", system.source, bessel);
+    const Road outOfBessel("", bessel, system.target);
     const Writable writable(geographic, own.target);
 
     Closures closures;

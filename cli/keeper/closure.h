@@ -7,11 +7,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "keeper/library.h"
+#include "keeper/data_directory.h"
 
 namespace cli {
-
-using Point = std::array<double, 3>;
 
 // A system's description in both roles.
 struct BothRoles {
@@ -20,30 +18,27 @@ struct BothRoles {
 };
 
 // A system that has no more than an ellipsoid.
-System neutral_system(const std::string& kind, const std::string& ellipsoid, double semiMajorAxis,
-                      double semiMinorAxis);
+System neutral_system(ProjectionKind kind, std::string_view ellipsoidName, const Ellipsoid& axes);
 
 // A system of another kind in the same datum.
-System of_kind(System system, const std::string& kind);
+System of_kind(System system, ProjectionKind kind);
 
-// A point that the library refuses; status 0: whose result is no finite number.
+// A point that the library refuses.
 class NotCarried : public std::runtime_error {
   public:
-    explicit NotCarried(int refusal);
-    [[nodiscard]] int status() const noexcept { return refusedWith; }
+    explicit NotCarried(Status status) : std::runtime_error(status_text(status, "")), refusedWith(status) {}
+    [[nodiscard]] Status status() const noexcept { return refusedWith; }
 
   private:
-    int refusedWith;
+    Status refusedWith;
 };
-
-std::string refusal_text(int status, const std::string& fileName);
 
 // Throws NotCarried.
 Point carried(const Road& road, const Point& point);
 Point carried(const Point& point, const System& source, const System& target);
 
 // Places at equal distances, in degrees.
-struct Range {
+struct Places {
     double first;
     double last;
     int count;
@@ -53,8 +48,8 @@ struct Range {
 };
 
 struct Area {
-    Range latitude;
-    Range longitude;
+    Places latitude;
+    Places longitude;
 };
 
 // "52.5 N, 13.4 E"

@@ -1,8 +1,11 @@
 #include "keeper/findings.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "datafiles/field_scanner.h"
 #include "system/output.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
@@ -22,6 +25,32 @@ void Findings::add(bool isDefect, std::string_view kind, const std::string& text
     ++group->count;
     if (group->texts.size() < keptOfAKind) {
         group->texts.push_back(text);
+    }
+}
+
+void Findings::overlong_line(const lagestatus::LineReader& lines, const std::string& file) {
+    const std::int64_t number = lines.last_overlong();
+    const std::pair told(file, number);
+    if (number == 0 || std::exchange(overlongTold, told) == told) {
+        return;
+    }
+    constexpr std::size_t longest = lagestatus::LineReader::maxLength;
+    defect("too long lines in " + file, file + ": line " + std::to_string(number) + ": " +
+                                            std::to_string(longest + 1) +
+                                            " characters or more: what is beyond the first " +
+                                            std::to_string(longest) + " is read as another line");
+}
+
+void Findings::decimal_commas(const lagestatus::LineReader& lines, int numbers, const std::string& file) {
+    lagestatus::FieldScanner scanner(lines.text());
+    double value = 0.0;
+    while (numbers-- > 0 && scanner.number(value)) {
+        if (scanner.remaining().starts_with(',')) {
+            defect("decimal commas in " + file, file + ": line " + std::to_string(lines.number()) + ": " +
+                                                    excerpt(lines.text()) + " is read as " +
+                                                    number_text(value) + ": numbers have a decimal point");
+            return;
+        }
     }
 }
 

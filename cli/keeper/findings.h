@@ -2,9 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
+
+#include "datafiles/line_reader.h"
 
 namespace cli {
 
@@ -13,6 +17,12 @@ class Findings {
   public:
     void defect(std::string_view kind, const std::string& text) { add(true, kind, text); }
     void note(std::string_view kind, const std::string& text) { add(false, kind, text); }
+
+    // A line of a data file that a reader takes for more than one, told once.
+    void overlong_line(const lagestatus::LineReader& lines, const std::string& file);
+
+    // Numbers at the front of the current line, at most so many, that end at a comma: read as less than was meant.
+    void decimal_commas(const lagestatus::LineReader& lines, int numbers, const std::string& file);
 
     [[nodiscard]] std::size_t defects() const;
     void print() const;
@@ -27,6 +37,7 @@ class Findings {
     void add(bool isDefect, std::string_view kind, const std::string& text);
 
     std::vector<Group> groups;
+    std::pair<std::string, std::int64_t> overlongTold;  // file and line
 };
 
 }  // namespace cli

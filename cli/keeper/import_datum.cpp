@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "keeper/directory.h"
+#include "geodesy/datum_step.h"
+#include "keeper/data_directory.h"
 #include "keeper/import_steps.h"
-#include "system/numbers.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
@@ -91,20 +92,20 @@ Published published_set(const SetOptions& given, const std::string& way) {
 }
 
 // The step from the Bessel datum to WGS84/ETRS89, as a system of a directory has it.
-Published hub_of_directory(const ImportOptions& options, const Definition& definition) {
+Published hub_of_directory(const ImportOptions& options, const DataDirectory& directory) {
     const std::optional<int> code = integer_of(options.hubCode);
     if (!code) {
         throw Refused("--hub " + options.hubCode + ": is no whole number");
     }
     System hub;
-    if (!open_system(options.directory, definition, *code, Role::target, hub)) {
+    if (!open_system(directory, *code, Column::outOfBessel, hub)) {
         throw Refused("--hub " + options.hubCode + ": cannot be used");
     }
     if (hub.in_bessel_datum()) {
         throw Refused("--hub " + options.hubCode +
                       ": lies in the Bessel datum itself and has no step out of it");
     }
-    if (hub.has_two_stages()) {
+    if (has_intermediate_set(hub.parameters)) {
         throw Refused("--hub " + options.hubCode +
                       ": its step out of the Bessel datum has two stages; take a system in " +
                       "WGS84 or ETRS89 itself");
@@ -123,9 +124,9 @@ void check_intermediate(const char* option, const Similarity& set) {
 
 }  // namespace
 
-void set_datum(ParameterText& content, const ImportOptions& options, const Definition& definition) {
+void set_datum(ParameterText& content, const ImportOptions& options, const DataDirectory& directory) {
     const bool ownHub = !options.hubSet.empty();
-    if (content.ellipsoid.starts_with("Bessel")) {
+    if (lies_in_bessel_datum(content.ellipsoid)) {
         if (!options.set.empty() || ownHub || !options.hubCode.empty()) {
             throw Refused("--ellipsoid-name " + content.ellipsoid +
                           ": begins with Bessel, so the system counts as lying in the Bessel datum and no "
@@ -165,7 +166,7 @@ void set_datum(ParameterText& content, const ImportOptions& options, const Defin
                               ? published_set({"--hub-towgs84", "--hub-convention", "--hub-reduction",
                                                options.hubSet, options.hubConvention, options.hubReduction},
                                               "Vom Besseldatum nach WGS84/ETRS89")
-                              : hub_of_directory(options, definition);
+                              : hub_of_directory(options, directory);
     check_intermediate("--towgs84", system.set);
     check_intermediate(ownHub ? "--hub-towgs84" : "--hub", hub.set);
     content.intoBessel = {system.set, hub.set};

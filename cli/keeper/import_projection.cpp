@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "keeper/import_steps.h"
-#include "system/numbers.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
 
-struct Ellipsoid {
+struct NamedEllipsoid {
     const char* title;
     const char* name;  // at most 10 characters
     int epsg;
@@ -24,7 +24,7 @@ struct Ellipsoid {
 };
 
 // EPSG Geodetic Parameter Dataset, version 10.076.
-constexpr std::array<Ellipsoid, 8> ellipsoids = {{
+constexpr std::array<NamedEllipsoid, 8> ellipsoids = {{
     {"Bessel 1841", "Bessel", 7004, "6377397.155", "299.1528128", "", {"bessel1841", "bessel"}},
     {"GRS 1980", "GRS80", 7019, "6378137", "298.257222101", "", {"grs1980", "grs80"}},
     {"WGS 84", "WGS84", 7030, "6378137", "298.257223563", "", {"wgs1984", "wgs84"}},
@@ -69,9 +69,8 @@ void set_axes(ParameterText& content, const std::string& semiMajorAxis, const st
 
 void set_strips(ParameterText& content, const std::string& strips) {
     constexpr double widest = 9.0;
-    constexpr double lowest = -239.0;  // 600 + offset stays above 360
+    constexpr double lowest = layoutsFrom + 1.0 - layoutZero;
     constexpr double highest = 360.0;
-    constexpr int offsetZero = 600;
     const std::vector<double> values = numbers_in("--strips", strips);
     const double width = values[0];
     const double offset = values.size() > 1 ? values[1] : 0.0;
@@ -87,7 +86,7 @@ void set_strips(ParameterText& content, const std::string& strips) {
     const std::string widthText = std::to_string(static_cast<int>(width));
     const std::string sign = degrees < 0 ? " - " : " + ";
     const std::string size = std::to_string(std::abs(degrees));
-    content.longitudeOfOrigin = std::to_string(offsetZero + degrees) + '.' + widthText;
+    content.longitudeOfOrigin = std::to_string(layoutZero + degrees) + '.' + widthText;
     content.originComments = {"Streifen: 600" + sign + size + " und Zehntel " + widthText +
                               " stehen für Streifen von " + widthText + "° mit dem Mittelmeridian " +
                               widthText + "° mal Nummer" + (degrees == 0 ? "" : sign + size + "°") + "."};
@@ -95,10 +94,9 @@ void set_strips(ParameterText& content, const std::string& strips) {
 
 // What is left of a false easting without the strip number in its millions.
 double split_easting(ParameterText& content, const std::string& text) {
-    constexpr double million = 1e6;
     constexpr double largestNumber = 999.0;
     const double easting = number_in("--x-0", text, 0.0);
-    const double number = std::trunc(easting / million);
+    const double number = std::trunc(easting / zoneUnit);
     if (number < 0.0 || number > largestNumber) {
         throw Refused(
             "--x-0 " + text + ": does not split into a strip number from 0 to 999 in the millions and an " +
@@ -110,11 +108,10 @@ double split_easting(ParameterText& content, const std::string& text) {
     if (number > 0.0) {
         content.longitudeOfOrigin += ' ' + std::to_string(static_cast<int>(number));
     }
-    return easting - number * million;
+    return easting - number * zoneUnit;
 }
 
 void set_meridian(ParameterText& content, const ImportOptions& options) {
-    constexpr double million = 1e6;
     const double scale = number_in("--k-0", options.scale, 1.0);
     if (!(scale > 0.0)) {
         throw Refused("--k-0 " + options.scale + ": the scale of the meridian must be above 0");
@@ -126,7 +123,7 @@ void set_meridian(ParameterText& content, const ImportOptions& options) {
     if (!options.strips.empty()) {
         set_strips(content, options.strips);
         content.additiveY = number_in("--x-0", options.easting, 0.0);
-        if (!(std::fabs(content.additiveY) < million)) {
+        if (!(std::fabs(content.additiveY) < zoneUnit)) {
             throw Refused("--x-0 " + options.easting +
                           ": of a layout of strips it is the additive constant alone, " +
                           "below 1000000; the strip number is put before it");
@@ -143,7 +140,7 @@ void set_meridian(ParameterText& content, const ImportOptions& options) {
 }  // namespace
 
 void set_ellipsoid(ParameterText& content, const ImportOptions& options) {
-    constexpr std::size_t longest = LAGESTATUS_ELLIPSOID_SIZE - 1;
+    constexpr std::size_t longest = SystemDescription::EllipsoidName::maxLength;
     const bool ownAxes = !options.semiMajorAxis.empty() || !options.inverseFlattening.empty() ||
                          !options.semiMinorAxis.empty();
     content.ellipsoid = options.ellipsoidName;
@@ -160,13 +157,13 @@ void set_ellipsoid(ParameterText& content, const ImportOptions& options) {
         set_axes(content, options.semiMajorAxis, options.inverseFlattening, options.semiMinorAxis);
     } else {
         const auto* const found =
-            std::find_if(ellipsoids.begin(), ellipsoids.end(), [&](const Ellipsoid& one) {
+            std::find_if(ellipsoids.begin(), ellipsoids.end(), [&](const NamedEllipsoid& one) {
                 const auto& names = one.aliases;
                 return std::find(names.begin(), names.end(), plain_letters(options.ellipsoid)) != names.end();
             });
         if (found == ellipsoids.end()) {
             std::string known;
-            for (const Ellipsoid& one : ellipsoids) {
+            for (const NamedEllipsoid& one : ellipsoids) {
                 known += (known.empty() ? "" : ", ") + std::string(one.title);
             }
             throw Refused("--ellipsoid " + options.ellipsoid + ": is not known; these are: " + known);
@@ -176,13 +173,14 @@ void set_ellipsoid(ParameterText& content, const ImportOptions& options) {
                                      ", EPSG:" + std::to_string(found->epsg)};
         set_axes(content, found->semiMajorAxis, found->inverseFlattening, found->semiMinorAxis);
     }
-    quoted_text("--ellipsoid-name", content.ellipsoid, longest);
+    quotable_text("--ellipsoid-name", content.ellipsoid, longest);
 }
 
 void set_projection(ParameterText& content, const ImportOptions& options) {
-    const std::string why = "for the kind " + content.kind;
-    const bool meridian = content.kind == "Gauss-Krueger";
-    if (!meridian && content.kind != "Soldner") {
+    const KindTraits kind = kind_traits(options.kind);
+    content.kind = kind.kind;
+    const std::string why = "for the kind " + options.kind;
+    if (!kind.isPlane) {
         refuse_given({{"--lat-0", options.latitude},
                       {"--lon-0", options.longitude},
                       {"--k-0", options.scale},
@@ -192,21 +190,19 @@ void set_projection(ParameterText& content, const ImportOptions& options) {
                      why);
         return;
     }
-    constexpr double pole = 90.0;
-    constexpr double quarterTurn = 90.0;
     const double latitude = number_in("--lat-0", options.latitude, 0.0);
     const double longitude = number_in("--lon-0", options.longitude, 0.0);
-    if (!(std::fabs(latitude) <= pole)) {
+    if (!(std::fabs(latitude) <= 90.0)) {
         throw Refused("--lat-0 " + options.latitude + ": must be from -90 to 90 degrees");
     }
-    if (!(longitude >= 0.0 && longitude <= quarterTurn)) {
+    if (!(longitude >= 0.0 && longitude <= 90.0)) {
         throw Refused("--lon-0 " + options.longitude +
                       ": must be from 0 to 90 degrees; datum steps mirror longitudes beyond");
     }
-    content.latitudeOfOrigin = data_text(latitude);
+    content.latitudeOfOrigin = latitude;
     content.longitudeOfOrigin = data_text(longitude);
     content.additiveX = number_in("--y-0", options.northing, 0.0);
-    if (meridian) {
+    if (kind.hasStrips) {
         set_meridian(content, options);
         return;
     }

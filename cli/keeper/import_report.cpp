@@ -3,38 +3,38 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <numbers>
 #include <string>
 #include <vector>
 
+#include "base/angles.h"
+#include "base/int_cast.h"
+#include "geodesy/zones.h"
 #include "keeper/import_steps.h"
-#include "system/numbers.h"
 #include "system/output.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
 
 Area area_of(const ParameterText& content, const ImportOptions& options) {
     constexpr int places = 21;  // in each direction
-    constexpr Range germanLatitudes = {47.0, 55.5, places};
-    constexpr double pole = 90.0;
-    constexpr double halfTurn = 180.0;
+    constexpr Places germanLatitudes = {47.0, 55.5, places};
     if (!options.area.empty()) {
         const std::vector<double> values = numbers_in("--area", options.area);
         if (values.size() != 4 || !(values[0] < values[2] && values[1] < values[3]) ||
-            !(values[0] >= -halfTurn && values[2] <= halfTurn && values[1] >= -pole && values[3] <= pole)) {
+            !(values[0] >= -180.0 && values[2] <= 180.0 && values[1] >= -90.0 && values[3] <= 90.0)) {
             throw Refused("--area " + options.area + ": must be WEST,SOUTH,EAST,NORTH in degrees");
         }
         return {{values[1], values[3], places}, {values[0], values[2], places}};
     }
     const auto around = [](double middle, double reach) {
-        return Range{middle - reach, middle + reach, places};
+        return Places{middle - reach, middle + reach, places};
     };
     const double longitude = number_in("--lon-0", options.longitude, 0.0);
-    if (content.kind == "Soldner") {
+    if (content.kind == ProjectionKind::soldner) {
         return {around(number_in("--lat-0", options.latitude, 0.0), 0.5), around(longitude, 0.5)};
     }
-    if (content.kind == "Gauss-Krueger" && options.strips.empty()) {
+    if (content.kind == ProjectionKind::gaussKrueger && options.strips.empty()) {
         return {germanLatitudes, around(longitude, 3.0)};
     }
     return {germanLatitudes, {5.5, 15.5, places}};
@@ -72,25 +72,23 @@ double gap_of_small_angles(const Similarity& set, const Point& from, const Point
 
 // East, north and up in metres between two positions of a geographic system that lie close together.
 Point metres_between(const Point& from, const Point& to, const System& system) {
-    constexpr double radian = std::numbers::pi / 180.0;
-    const double latitude = from[0] * radian;
-    const double a = system.parameters[slots::semiMajorAxis];
-    const double ratio = system.parameters[slots::semiMinorAxis] / a;
+    const double latitude = from[0] * degree;
+    const double a = system.parameters[slot::semiMajorAxis];
+    const double ratio = system.parameters[slot::semiMinorAxis] / a;
     const double squaredEccentricity = 1.0 - ratio * ratio;
     const double sine = std::sin(latitude);
     const double W = std::sqrt(1.0 - squaredEccentricity * sine * sine);
     const double acrossMeridian = a / W;
     const double alongMeridian = acrossMeridian * (1.0 - squaredEccentricity) / (W * W);
-    return {(to[1] - from[1]) * radian * acrossMeridian * std::cos(latitude),
-            (to[0] - from[0]) * radian * alongMeridian, to[2] - from[2]};
+    return {(to[1] - from[1]) * degree * acrossMeridian * std::cos(latitude),
+            (to[0] - from[0]) * degree * alongMeridian, to[2] - from[2]};
 }
 
 // Throws where a Gauss-Krueger easting of the area has another number in its millions than its strip's.
 void check_eastings(const BothRoles& system, const Area& area) {
-    constexpr double million = 1e6;
     constexpr double edge = 1e-6;  // degrees: at a strip's edge either neighbour will do
-    const ZoneLayout layout = zone_layout_of(system.source);
-    const Road road(".", of_kind(system.source, "Geographisch"), system.target);
+    const ZoneLayout layout = system.source.zones();
+    const Road road("", of_kind(system.source, ProjectionKind::geographic), system.target);
     for_each_place(area, [&](double latitude, double longitude) {
         const std::string where = "at " + place_text(latitude, longitude) + ": ";
         double easting = 0.0;
@@ -99,10 +97,12 @@ void check_eastings(const BothRoles& system, const Area& area) {
         } catch (const NotCarried& refused) {
             throw Refused(where + refused.what());
         }
-        const double number = std::trunc(easting / million);
-        const bool right = layout.strips ? std::fabs(longitude - (layout.width * number + layout.offset)) <=
-                                               layout.width / 2.0 + edge
-                                         : number == system.target.zoneNumber;
+        const double number = std::trunc(easting / zoneUnit);
+        const bool right =
+            layout.strips
+                ? std::fabs(longitude - strip_meridian(layout, truncated_or_smallest(number)) / degree) <=
+                      static_cast<double>(layout.width) / 2.0 + edge
+                : number == system.target.zoneNumber;
         if (!right) {
             throw Refused(where + "the easting is " + data_text(std::round(easting)) +
                           ", which a reader takes for strip " + number_text(number) +
@@ -114,8 +114,8 @@ void check_eastings(const BothRoles& system, const Area& area) {
 // One point, with and without the datum step, so that a wrong sign is seen.
 std::string report_of_point(const BothRoles& system, const ImportOptions& options,
                             const DatumStep& intoBessel, const Area& area) {
-    const System ownSource = of_kind(system.source, "Geographisch");
-    const System ownTarget = of_kind(system.target, "Geographisch");
+    const System ownSource = of_kind(system.source, ProjectionKind::geographic);
+    const System ownTarget = of_kind(system.target, ProjectionKind::geographic);
     Point point = {};
     if (options.point.empty()) {
         point = carried({area.latitude.middle(), area.longitude.middle(), 0.0}, ownSource, system.target);
@@ -128,13 +128,13 @@ std::string report_of_point(const BothRoles& system, const ImportOptions& option
     }
     const Point before = carried(point, system.source, ownTarget);
     std::string report =
-        "point: " + point_text(point, system.source.is(Kind::geographic)) +
+        "point: " + point_text(point, system.source.is(ProjectionKind::geographic)) +
         "\n  latitude, longitude, height in the system's datum: " + point_text(before, true) + '\n';
     if (system.source.in_bessel_datum()) {
         return report;
     }
     // GRS 1980, EPSG:7019. The ellipsoid's name differs from every name that a file can have.
-    System common = neutral_system("Geographisch", "", 6378137.0, 6356752.314140356);
+    System common = neutral_system(ProjectionKind::geographic, "", {6378137.0, 6356752.314140356});
     set_main_set(common, intoBessel.intermediate);
     const Point after = carried(point, system.source, common);
     const Point shift = metres_between(before, after, common);
@@ -142,7 +142,7 @@ std::string report_of_point(const BothRoles& system, const ImportOptions& option
     report += "  in WGS84/ETRS89 by this file:                      " + point_text(after, true) +
               "\n  so the datum step moves it by " + rounded_text(shift[0], decimals) + " m east, " +
               rounded_text(shift[1], decimals) + " m north, " + rounded_text(shift[2], decimals) + " m up\n";
-    const std::string geocentric = "Geozentrisch";
+    constexpr ProjectionKind geocentric = ProjectionKind::geocentric;
     const Point from = carried(point, system.source, of_kind(system.target, geocentric));
     const Point to = carried(from, of_kind(system.source, geocentric), of_kind(common, geocentric));
     constexpr double worthSaying = 0.001;  // metres
@@ -161,13 +161,13 @@ std::string report_of(const BothRoles& system, const ParameterText& content, con
     constexpr double largestAllowed = 1.0;  // millimetre
     constexpr double millimetres = 1000.0;
     constexpr int decimals = 4;
-    if (system.source.is(Kind::gaussKrueger)) {
+    if (system.source.kind().hasStrips) {
         check_eastings(system, area);
     }
     const Closures closures = closures_of(system, area);
     if (!closures.failures.empty()) {
         const auto& [status, failure] = *closures.failures.begin();
-        throw Refused("at " + failure.firstPlace + ": " + refusal_text(status, ""));
+        throw Refused("at " + failure.firstPlace + ": " + status_text(status, ""));
     }
     const Closure& closure = system.source.in_bessel_datum() ? closures.own : closures.bessel;
     const double largest = std::max(closures.own.largest, closure.largest) * millimetres;
@@ -182,23 +182,22 @@ std::string report_of(const BothRoles& system, const ParameterText& content, con
            report_of_point(system, options, content.intoBessel, area);
 }
 
-void note_equal_names(const BothRoles& system, int code, const ImportOptions& options,
-                      const Definition& definition) {
+void note_equal_names(const BothRoles& system, int code, const DataDirectory& directory) {
     const auto differ = [](const System& one, const System& other) {
         return !one.has_axes_of(other) || (!one.in_bessel_datum() && !one.has_datum_sets_of(other));
     };
     std::string codes;
-    for (const Entry& entry : definition.entries) {
-        const System source = read_system(options.directory, definition, entry, Role::source);
-        const System target = read_system(options.directory, definition, entry, Role::target);
-        if (entry.code != code && source.status == 0 && source.ellipsoid == system.source.ellipsoid &&
+    for (const DefinitionEntry& entry : directory.entries()) {
+        const System source = read_system(directory, entry, Column::intoBessel);
+        const System target = read_system(directory, entry, Column::outOfBessel);
+        if (entry.code != code && source.status == 0 && source.ellipsoid() == system.source.ellipsoid() &&
             (differ(source, system.source) || (target.status == 0 && differ(target, system.target)))) {
             codes += (codes.empty() ? "" : ", ") + std::to_string(entry.code);
         }
     }
     if (!codes.empty()) {
         complain("note: no datum step will be made between this system and " + codes + " in " +
-                 options.directory + ": the ellipsoid name is " + system.source.ellipsoid +
+                 directory.name + ": the ellipsoid name is " + system.source.ellipsoid() +
                  " there too, which counts as the same datum, but the parameters differ");
     }
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "keeper/closure.h"
-#include "keeper/library.h"
+#include "keeper/data_directory.h"
 #include "keeper/parameter_text.h"
 
 namespace cli {
@@ -41,7 +41,7 @@ std::vector<double> numbers_in(const char* option, const std::string& text);
 std::string short_text(double value);
 
 // A text that a parameter file can have in quotes.
-std::string quoted_text(const char* option, const std::string& text, std::size_t longest);
+std::string quotable_text(const char* option, const std::string& text, std::size_t longest);
 
 struct Given {
     const char* option;
@@ -52,13 +52,12 @@ void refuse_given(std::initializer_list<Given> several, const std::string& why);
 
 void set_ellipsoid(ParameterText& content, const ImportOptions& options);
 void set_projection(ParameterText& content, const ImportOptions& options);
-void set_datum(ParameterText& content, const ImportOptions& options, const Definition& definition);
+void set_datum(ParameterText& content, const ImportOptions& options, const DataDirectory& directory);
 
 // Points there and back, and one point with and without the datum step.
 std::string report_of(const BothRoles& system, const ParameterText& content, const ImportOptions& options);
 
 // Says on stderr which other systems of the directory count as lying in the same datum though they do not.
-void note_equal_names(const BothRoles& system, int code, const ImportOptions& options,
-                      const Definition& definition);
+void note_equal_names(const BothRoles& system, int code, const DataDirectory& directory);
 
 }  // namespace cli

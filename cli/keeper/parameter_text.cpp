@@ -3,68 +3,79 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "keeper/data_lines.h"
-#include "system/numbers.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
 
-// Of the data lines 21 to 30; 31 to 40 have them with the addition of the intermediate system.
-constexpr std::array<const char*, 10> datumLabels = {"Translation in X in Metern",
-                                                     "Translation in Y in Metern",
-                                                     "Translation in Z in Metern",
-                                                     "Rotation um X im Bogenmaß",
-                                                     "Rotation um Y im Bogenmaß",
-                                                     "Rotation um Z im Bogenmaß",
-                                                     "Maßstab",
-                                                     "Nullpunktreduktion in X in Metern",
-                                                     "Nullpunktreduktion in Y in Metern",
-                                                     "Nullpunktreduktion in Z in Metern"};
+constexpr std::size_t ofSet =
+    10;  // fields of a datum set; the intermediate set's follow those of the main one
 
-using SetValues = std::array<double, datumLabels.size()>;
+// What stands above each data line; those of the intermediate set are the main set's with an addition.
+constexpr std::array<const char*, parameterFields.size() - ofSet> labels = {
+    "Lagestatus",
+    "Bezeichnung des Systems",
+    "Bezeichnung des Ellipsoids (höchstens 10 Zeichen; beginnt mit \"Bessel\": Besseldatum)",
+    "Abbildungsart",
+    "Breite des Nullpunkts in Grad",
+    "Länge des Nullpunkts in Grad",
+    "Additionskonstante in Y in Metern",
+    "Additionskonstante in X in Metern",
+    "Dekadische Ergänzung in Metern (0: keine)",
+    "Maßstab des Meridians",
+    "Verschiebung in Y in Metern",
+    "Verschiebung in X in Metern",
+    "Verdrehung (Koeffizient ohne Einheit)",
+    "Zweite Verschiebung in Y in Metern",
+    "Zweite Verschiebung in X in Metern",
+    "Nullpunktskoordinate in Y in Metern",
+    "Nullpunktskoordinate in X in Metern",
+    "Maßstab der ebenen Koordinaten (1: keiner)",
+    "Große Halbachse in Metern",
+    "Kleine Halbachse in Metern",
+    "Translation in X in Metern",
+    "Translation in Y in Metern",
+    "Translation in Z in Metern",
+    "Rotation um X im Bogenmaß",
+    "Rotation um Y im Bogenmaß",
+    "Rotation um Z im Bogenmaß",
+    "Maßstab",
+    "Nullpunktreduktion in X in Metern",
+    "Nullpunktreduktion in Y in Metern",
+    "Nullpunktreduktion in Z in Metern"};
 
-SetValues values_of(const Similarity& set) {
+// Puts a set where the fields of a set lead, the first of which is at begin.
+void put_set(const Similarity& set, std::size_t begin, ParameterArray& parameters) {
     const auto& [translation, rotation, scale, reduction] = set;
-    return {translation[0], translation[1], translation[2], rotation[0],  rotation[1],
-            rotation[2],    scale,          reduction[0],   reduction[1], reduction[2]};
+    const std::array<double, ofSet> values = {translation[0], translation[1], translation[2], rotation[0],
+                                              rotation[1],    rotation[2],    scale,          reduction[0],
+                                              reduction[1],   reduction[2]};
+    for (std::size_t at = 0; at < ofSet; ++at) {
+        parameters.at(datumSlots.at(begin + at)) = values.at(at);
+    }
 }
 
-class Writer {
-  public:
-    void comment(const std::string& text) { out += "# " + text + '\n'; }
-    void comments(const std::vector<std::string>& texts) {
-        for (const std::string& text : texts) {
-            comment(text);
-        }
+// The slots of one column, latitudes in degrees as in the file.
+ParameterArray parameters_of(const ParameterText& content, const DatumStep& step) {
+    ParameterArray parameters = {};
+    parameters[slot::latitudeOfOrigin] = content.latitudeOfOrigin;
+    parameters[slot::additiveY] = content.additiveY;
+    parameters[slot::additiveX] = content.additiveX;
+    parameters[slot::meridianScale] = content.meridianScale;
+    parameters[slot::planeScale] = 1.0;
+    parameters[slot::semiMajorAxis] = content.semiMajorAxis;
+    parameters[slot::semiMinorAxis] = content.semiMinorAxis;
+    put_set(step.main, 0, parameters);
+    put_set(step.intermediate, ofSet, parameters);
+    return parameters;
+}
+
+std::string comments_of(const std::vector<std::string>& texts) {
+    std::string lines;
+    for (const std::string& text : texts) {
+        lines += "# " + text + '\n';
     }
-    void empty_line() { out += '\n'; }
-
-    void line(const std::string& label, const std::string& value) {
-        comment(std::to_string(++number) + ' ' + label);
-        out += value + '\n';
-    }
-
-    // The lines of one set: the first column leads into the Bessel datum, the second out of it.
-    void sets(const Similarity& first, const Similarity& second, const std::string& addition) {
-        constexpr std::size_t columnWidth = 25;
-        const SetValues left = values_of(first);
-        const SetValues right = values_of(second);
-        for (std::size_t at = 0; at < datumLabels.size(); ++at) {
-            std::string value = data_text(left[at]);
-            value.resize(std::max(columnWidth, value.size() + 1), ' ');
-            line(datumLabels[at] + addition, value + data_text(right[at]));
-        }
-    }
-
-    [[nodiscard]] const std::string& text() const { return out; }
-
-  private:
-    std::string out;
-    int number = 0;
-};
-
-std::string in_quotes(const std::string& text) {
-    return '"' + text + '"';
+    return lines;
 }
 
 }  // namespace
@@ -75,7 +86,7 @@ bool Similarity::is_seen_as_intermediate() const {
 }
 
 Similarity main_set_of(const System& system) {
-    const auto value = [&system](std::size_t at) { return system.parameters.at(slots::datumSets.at(at)); };
+    const auto value = [&system](std::size_t at) { return system.parameters.at(datumSlots.at(at)); };
     return {{value(0), value(1), value(2)},
             {value(3), value(4), value(5)},
             value(6),
@@ -83,94 +94,60 @@ Similarity main_set_of(const System& system) {
 }
 
 void set_main_set(System& system, const Similarity& set) {
-    const SetValues values = values_of(set);
-    for (std::size_t at = 0; at < values.size(); ++at) {
-        system.parameters.at(slots::datumSets.at(at)) = values.at(at);
-    }
+    put_set(set, 0, system.parameters);
 }
 
 std::string text_of(const ParameterText& content) {
-    Writer file;
-    file.comments(content.headComments);
-    file.comment("Jede Zeile, die mit \"#\" beginnt, ist Kommentar. Zeichensatz ISO 8859-1.");
-    file.empty_line();
-    file.line("Lagestatus", std::to_string(content.code));
-    file.line("Bezeichnung des Systems", in_quotes(content.name));
-    file.line("Bezeichnung des Ellipsoids (höchstens 10 Zeichen; beginnt mit \"Bessel\": Besseldatum)",
-              in_quotes(content.ellipsoid));
-    file.line("Abbildungsart", in_quotes(content.kind));
-    file.line("Breite des Nullpunkts in Grad", content.latitudeOfOrigin);
-    file.comments(content.originComments);
-    file.line("Länge des Nullpunkts in Grad", content.longitudeOfOrigin);
-    file.line("Additionskonstante in Y in Metern", data_text(content.additiveY));
-    file.line("Additionskonstante in X in Metern", data_text(content.additiveX));
-    file.line("Dekadische Ergänzung in Metern (0: keine)", data_text(0.0));
-    file.line("Maßstab des Meridians", data_text(content.meridianScale));
-    for (const char* const label :
-         {"Verschiebung in Y in Metern", "Verschiebung in X in Metern",
-          "Verdrehung (Koeffizient ohne Einheit)", "Zweite Verschiebung in Y in Metern",
-          "Zweite Verschiebung in X in Metern", "Nullpunktskoordinate in Y in Metern",
-          "Nullpunktskoordinate in X in Metern"}) {
-        file.line(label, data_text(0.0));
-    }
-    file.line("Maßstab der ebenen Koordinaten (1: keiner)", data_text(1.0));
-    file.comments(content.ellipsoidComments);
-    file.line("Große Halbachse in Metern", data_text(content.semiMajorAxis));
-    file.line("Kleine Halbachse in Metern", data_text(content.semiMinorAxis));
-    file.empty_line();
-    file.comments(content.datumComments);
-    file.comment("Ab hier zwei Spalten: 1. vom System ins Besseldatum, 2. vom Besseldatum ins System.");
-    file.sets(content.intoBessel.main, content.outOfBessel.main, "");
-    file.sets(content.intoBessel.intermediate, content.outOfBessel.intermediate, " zum Zwischensystem");
-    return file.text();
-}
-
-System system_of(const std::string& text, Role role) {
-    // Where the data lines 5 to 20 go; behind them come the datum sets.
-    constexpr std::array<std::size_t, 16> slotOfLine = {0, 1, 9, 10, 4, 5, 6, 7, 8, 2, 3, 11, 12, 13, 24, 25};
-    constexpr double radian = 0.0174532925199433;  // as the library has it
-
-    System system;
-    DataLines lines(text);
-    lines.next();  // the code
-    for (std::string* const words : {&system.name, &system.ellipsoid, &system.kind}) {
-        lines.next();
-        *words = quoted(lines.text()).value();
-    }
-    for (std::size_t index = 0; lines.next(); ++index) {
-        const bool twoColumns = index >= slotOfLine.size();
-        const std::size_t slot =
-            twoColumns ? slots::datumSets.at(index - slotOfLine.size()) : slotOfLine.at(index);
-        double& value = system.parameters.at(slot);
-        Fields fields(lines.text());
-        fields.number(value);
-        if (twoColumns && role == Role::target) {
-            fields.number(value);
-        } else if (slot == slots::longitudeOfOrigin) {
-            fields.integer(system.zoneNumber);
+    const ParameterArray into = parameters_of(content, content.intoBessel);
+    const ParameterArray out = parameters_of(content, content.outOfBessel);
+    const auto value_of = [&](const ParameterField& field) {
+        switch (field.scan) {
+            case ParameterScan::code:
+                return std::to_string(content.code);
+            case ParameterScan::systemName:
+                return '"' + content.name + '"';
+            case ParameterScan::ellipsoidName:
+                return '"' + content.ellipsoid + '"';
+            case ParameterScan::kind:
+                return '"' + std::string(kind_name(content.kind)) + '"';
+            case ParameterScan::longitude:
+                return content.longitudeOfOrigin;
+            case ParameterScan::number:
+                break;
+            case ParameterScan::columns: {
+                constexpr std::size_t columnWidth = 25;
+                std::string value = data_text(into.at(field.slot));
+                value.resize(std::max(columnWidth, value.size() + 1), ' ');
+                return value + data_text(out.at(field.slot));
+            }
         }
-    }
-    system.parameters[slots::latitudeOfOrigin] *= radian;
-    return system;
-}
-
-std::optional<std::string> latin1(std::string_view utf8) {
-    const auto byte = [&utf8](std::size_t at) { return static_cast<unsigned char>(utf8[at]); };
-    std::string text;
-    for (std::size_t at = 0; at < utf8.size(); ++at) {
-        if (byte(at) < 0x80) {
-            text += utf8[at];
-            continue;
+        return data_text(into.at(field.slot));
+    };
+    std::string text = comments_of(content.headComments);
+    text += "# Jede Zeile, die mit \"#\" beginnt, ist Kommentar. Zeichensatz ISO 8859-1.\n\n";
+    for (std::size_t at = 0; at < parameterFields.size(); ++at) {
+        const ParameterField& field = parameterFields.at(at);
+        const bool ofIntermediate = at >= labels.size();
+        if (field.scan == ParameterScan::longitude) {
+            text += comments_of(content.originComments);
+        } else if (field.slot == slot::semiMajorAxis) {
+            text += comments_of(content.ellipsoidComments);
+        } else if (field.failure == status::firstTwoColumns) {
+            text += '\n' + comments_of(content.datumComments) +
+                    "# Ab hier zwei Spalten: 1. vom System ins Besseldatum, 2. vom Besseldatum ins System.\n";
         }
-        // Characters up to U+00FF have two bytes, the first of them C2 or C3.
-        if ((byte(at) & 0xFEU) != 0xC2 || at + 1 == utf8.size() || (byte(at + 1) & 0xC0U) != 0x80) {
-            return std::nullopt;
-        }
-        const unsigned character = ((byte(at) & 0x03U) << 6U) | (byte(at + 1) & 0x3FU);
-        text += static_cast<char>(static_cast<unsigned char>(character));
-        ++at;
+        text += "# " + std::to_string(at + 1) + ' ' + labels.at(ofIntermediate ? at - ofSet : at) +
+                (ofIntermediate ? " zum Zwischensystem" : "") + '\n' + value_of(field) + '\n';
     }
     return text;
+}
+
+System system_of(const std::string& text, int code, Column column) {
+    const std::string bytes = latin1(text).value();
+    LineReader lines(bytes);
+    System system;
+    system.status = read_parameters(lines, column, code, system);
+    return system;
 }
 
 }  // namespace cli

@@ -1,4 +1,4 @@
-// The text of a parameter file: its forty data lines, each under a comment, and what the library would make of them.
+// The text of a parameter file: its data lines, each under a comment, and what the library would make of them.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "keeper/library.h"
+#include "keeper/data_directory.h"
 
 namespace cli {
 
@@ -40,8 +40,8 @@ struct ParameterText {
     int code = 0;
     std::string name;
     std::string ellipsoid;
-    std::string kind;
-    std::string latitudeOfOrigin = "0.0";   // degrees
+    ProjectionKind kind = ProjectionKind::unknown;
+    double latitudeOfOrigin = 0.0;          // degrees
     std::string longitudeOfOrigin = "0.0";  // degrees or a layout of strips, and the zone number
     double additiveY = 0.0;
     double additiveX = 0.0;
@@ -62,9 +62,6 @@ struct ParameterText {
 std::string text_of(const ParameterText& content);
 
 // What the library reads from such a text.
-System system_of(const std::string& text, Role role);
-
-// The text in ISO 8859-1; nothing if it has other characters.
-std::optional<std::string> latin1(std::string_view utf8);
+System system_of(const std::string& text, int code, Column column);
 
 }  // namespace cli

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "keeper/data_lines.h"
+#include "datafiles/field_scanner.h"
+#include "datafiles/line_reader.h"
+#include "datafiles/scrambling.h"
 
 namespace cli {
-namespace {
 
-constexpr std::size_t pieceLimit = 999;  // characters of a line that a reader takes at once
+using namespace lagestatus;
+
+namespace {
 
 [[noreturn]] void fail(std::size_t line, const std::string& reason, bool dueToKey = false) {
     throw ScramblingError("line " + std::to_string(line) + ": " + reason, dueToKey);
@@ -31,15 +34,15 @@ struct Head {
 
 Head head_of(std::string_view bytes) {
     Head head;
-    Fields fields(bytes);
+    FieldScanner fields(bytes);
     if (!fields.integer(head.key)) {
         fail(1, "the file does not begin with its key, a whole number");
     }
-    const std::size_t end = bytes.size() - fields.rest().size();
+    const std::size_t end = bytes.size() - fields.remaining().size();
     const std::size_t digits = bytes.find_first_of("0123456789");
     head.ahead = bytes.substr(0, digits);
     head.digits = bytes.substr(digits, end - digits);
-    head.behind = bytes.substr(end, fields.rest().starts_with("\r\n") ? 2 : 1);
+    head.behind = bytes.substr(end, fields.remaining().starts_with("\r\n") ? 2 : 1);
     head.rest = bytes.substr(end + head.behind.size());
     if (head.behind.empty()) {
         fail(1 + line_feeds_in(head.ahead), "the key is not followed by the end of its line");
@@ -62,8 +65,8 @@ void for_each_line(std::string_view bytes, std::size_t firstNumber, Use use) {
 
 // A comment is taken behind its "#".
 void check_length(std::size_t number, std::string_view text, bool comment) {
-    if (text.size() > pieceLimit + (comment ? 1 : 0)) {
-        fail(number, "is longer than the " + std::to_string(pieceLimit) +
+    if (text.size() > LineReader::maxLength + (comment ? 1 : 0)) {
+        fail(number, "is longer than the " + std::to_string(LineReader::maxLength) +
                          " characters that a reader takes in one piece; split it");
     }
 }
@@ -128,9 +131,9 @@ std::string plain_lines(std::string_view stored, std::size_t firstNumber, int ke
     return plain;
 }
 
-std::string scrambled_unchecked(std::string_view plain, int key, FileForm form) {
+std::string scrambled_unchecked(std::string_view plain, int key, FileKind form) {
     const std::string keyText = std::to_string(key);
-    if (form == FileForm::parameters) {
+    if (form == FileKind::parameters) {
         const std::size_t feed = plain.find('\n');
         const bool pairs = feed != std::string_view::npos && feed > 0 && plain[feed - 1] == '\r';
         return keyText + (pairs ? "\r\n" : "\n") + stored_lines(plain, 1, key);
@@ -148,7 +151,7 @@ std::string scrambled_unchecked(std::string_view plain, int key, FileForm form) 
 
 }  // namespace
 
-std::string scrambled(std::string_view plain, int key, FileForm form) {
+std::string scrambled(std::string_view plain, int key, FileKind form) {
     std::string stored = scrambled_unchecked(plain, key, form);
     if (unscrambled(stored, form).plain != plain) {
         throw ScramblingError("would not be restored to the same bytes", true);
@@ -156,7 +159,7 @@ std::string scrambled(std::string_view plain, int key, FileForm form) {
     return stored;
 }
 
-Unscrambled unscrambled(std::string_view stored, FileForm form) {
+Unscrambled unscrambled(std::string_view stored, FileKind form) {
     const Head head = head_of(stored);
     if (head.key < 0) {
         throw ScramblingError("its key is negative: there is nothing to read behind it", false);
@@ -165,7 +168,7 @@ Unscrambled unscrambled(std::string_view stored, FileForm form) {
         throw ScramblingError("is plain already: its key is 0", false);
     }
     const std::string lines = plain_lines(head.rest, head.first_line(), head.key);
-    return {head.key, form == FileForm::parameters
+    return {head.key, form == FileKind::parameters
                           ? lines
                           : std::string(head.ahead) + "0" + std::string(head.behind) + lines};
 }

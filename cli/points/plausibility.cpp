@@ -3,8 +3,9 @@
 #include <cmath>
 
 #include "base/angles.h"
+#include "base/int_cast.h"
 #include "base/system_description.h"
-#include "system/output.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
@@ -19,8 +20,6 @@ constexpr Interval latitudes = {45.0, 58.0};               // degrees
 constexpr Interval longitudes = {0.0, 24.0};               // degrees, of meridians too
 constexpr Interval northingsFromEquator = {5.0e6, 6.4e6};  // metres, for those latitudes
 constexpr double localReach = 300e3;                       // metres from the origin of a local system
-constexpr double zoneUnit =
-    1000000.0;  // metres; the number of the strip stands in the millions of the easting
 
 bool within_circle(const std::array<double, 3>& point) {
     return std::fabs(point[0]) <= 90.0 && std::fabs(point[1]) <= 360.0;
@@ -28,9 +27,7 @@ bool within_circle(const std::array<double, 3>& point) {
 
 }  // namespace
 
-Plausibility::Plausibility(const System& source)
-    : zones(zone_layout_of(source)), zoneNumber(source.zoneNumber) {
-    namespace slot = lagestatus::slot;
+Plausibility::Plausibility(const System& source) : zones(source.zones()), zoneNumber(source.zoneNumber) {
     const auto& p = source.parameters;
     const bool reduced = p[slot::decadicComplement] != 0.0 || p[slot::shiftX] != 0.0 ||
                          p[slot::shiftY] != 0.0 || p[slot::planeRotation] != 0.0 ||
@@ -39,11 +36,11 @@ Plausibility::Plausibility(const System& source)
     constantX = p[slot::additiveX];
     constantY = p[slot::additiveY];
     originLatitude = p[slot::latitudeOfOrigin];
-    scheme = source.is(Kind::geographic)              ? Scheme::degrees
-             : source.is(Kind::geocentric) || reduced ? Scheme::unchecked
-             : source.is(Kind::soldner)               ? Scheme::local
-             : zones.strips                           ? Scheme::strips
-                                                      : Scheme::meridian;
+    scheme = source.is(ProjectionKind::geographic)              ? Scheme::degrees
+             : source.is(ProjectionKind::geocentric) || reduced ? Scheme::unchecked
+             : source.is(ProjectionKind::soldner)               ? Scheme::local
+             : zones.strips                                     ? Scheme::strips
+                                                                : Scheme::meridian;
 }
 
 Plausibility::Easting Plausibility::parted(double easting) const {
@@ -51,15 +48,19 @@ Plausibility::Easting Plausibility::parted(double easting) const {
     return {strip, easting - constantY - strip * zoneUnit};
 }
 
+double Plausibility::meridian_of(double strip) const {
+    return strip_meridian(zones, truncated_or_smallest(strip)) / degree;
+}
+
 bool Plausibility::strip_fits(double easting) const {
     constexpr double metresOfDegree = 78e3;  // along the parallel of 45.5 degrees
     constexpr double widest = 6.0;           // degrees, of the strips in use
     const auto [strip, fromMeridian] = parted(easting);
-    const bool known = scheme == Scheme::strips
-                           ? strip != 0.0 && longitudes.holds(zones.width * strip + zones.offset)
-                           : strip == 0.0 || strip == zoneNumber;
+    const bool known = scheme == Scheme::strips ? strip != 0.0 && longitudes.holds(meridian_of(strip))
+                                                : strip == 0.0 || strip == zoneNumber;
     return known &&
-           std::fabs(fromMeridian) <= (scheme == Scheme::strips ? zones.width : widest) * metresOfDegree;
+           std::fabs(fromMeridian) <=
+               (scheme == Scheme::strips ? static_cast<double>(zones.width) : widest) * metresOfDegree;
 }
 
 bool Plausibility::northing_fits(double northing) const {
@@ -73,10 +74,9 @@ bool Plausibility::lies_in_germany(double northing, double easting) const {
     constexpr double metresOfMeridian = 111.2e3;
     const double latitude = (northing - constantX) / metresOfMeridian;
     const auto [strip, fromMeridian] = parted(easting);
-    const double meridian = zones.width * strip + zones.offset;
+    const double meridian = meridian_of(strip);
     return germanLatitudes.holds(latitude) &&
-           germanLongitudes.holds(
-               meridian + fromMeridian / (metresOfMeridian * std::cos(latitude * lagestatus::degree)));
+           germanLongitudes.holds(meridian + fromMeridian / (metresOfMeridian * std::cos(latitude * degree)));
 }
 
 bool Plausibility::looks_exchanged(const std::array<double, 3>& point) const {

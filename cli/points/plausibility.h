@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "keeper/library.h"
+#include "keeper/data_directory.h"
 
 namespace cli {
 
@@ -25,6 +25,7 @@ class Plausibility {
         double fromMeridian;  // metres
     };
     [[nodiscard]] Easting parted(double easting) const;
+    [[nodiscard]] double meridian_of(double strip) const;  // degrees
     [[nodiscard]] bool strip_fits(double easting) const;
     [[nodiscard]] bool northing_fits(double northing) const;
     [[nodiscard]] bool looks_exchanged(const std::array<double, 3>& point) const;

@@ -6,7 +6,7 @@
 
 #include "datafiles/field_scanner.h"
 #include "points/angle_text.h"
-#include "system/numbers.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {

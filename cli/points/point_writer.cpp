@@ -5,10 +5,10 @@
 #include <optional>
 #include <utility>
 
-#include "keeper/directory.h"
-#include "keeper/parameter_text.h"
+#include "heights/height_model_file.h"
 #include "points/angle_text.h"
 #include "system/output.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {
@@ -194,16 +194,16 @@ void Written::clear() {
     warning.text.clear();
 }
 
-PointWriter::PointWriter(const RunOptions& runOptions, const std::string& directory, const System& source,
-                         const System& target, std::string targetFile, std::string modelFile)
+PointWriter::PointWriter(const RunOptions& runOptions, const DataDirectory& directory, const System& source,
+                         const System& target, const std::string& targetFile)
     : options(runOptions),
-      targetFileName(std::move(targetFile)),
-      modelFileName(std::move(modelFile)),
-      road(directory, source, target),
+      targetPath(directory.path_of(targetFile)),
+      modelPath(directory.path_of(std::string(heightModelFileName))),
+      road(directory.bytes, source, target),
       plausibility(source),
-      sourceGeocentric(source.is(Kind::geocentric)),
-      targetGeocentric(target.is(Kind::geocentric)),
-      targetGeographic(target.is(Kind::geographic)),
+      sourceGeocentric(source.is(ProjectionKind::geocentric)),
+      targetGeocentric(target.is(ProjectionKind::geocentric)),
+      targetGeographic(target.is(ProjectionKind::geographic)),
       normalColumn(runOptions.normalWanted && !targetGeocentric) {}
 
 void PointWriter::lines(std::string_view text, const LineForm& form, std::uint64_t firstLine,
@@ -262,17 +262,16 @@ void PointWriter::point_row(std::string_view line, const LineForm& form, const P
     // Where normal heights play no part, none is asked for.
     const bool normalGiven = options.normalGiven && !sourceGeocentric && (read.hasHeight || targetGeocentric);
     const bool normalWritten = normalColumn && read.hasHeight;
-    const bool heightsMatter = normalGiven || normalWritten;
-    Transformed transformed = road.transform(read.point, {normalGiven, heightsMatter});
+    Transformed transformed = road.transform(read.point, {normalGiven, normalGiven || normalWritten});
     const int status = transformed.status;
     auto& at = transformed.result;
     const auto isPlace = [&at] { return at[0] != 0.0 || at[1] != 0.0 || at[2] != 0.0; };
-    const bool heightFailed = status >= heightModelFrom;
+    const bool heightFailed = status >= status::heightModel;
     if (heightFailed && !targetGeocentric && !isPlace()) {
         // Where the height model is missing altogether the library may end early; the place does not hang on it.
         at = road.transform(read.point, {false, false}).result;
     }
-    const bool complete = status == 0 || (heightFailed && !heightsMatter);
+    const bool complete = status == status::ok;
     // A place without its height: all coordinates were computed, the height model gave nothing. Of X, Y, Z all hangs on
     // the height.
     const bool hasPlace = complete || (heightFailed && !targetGeocentric && isPlace());
@@ -309,8 +308,8 @@ void PointWriter::point_row(std::string_view line, const LineForm& form, const P
     std::string reason;
     if (!complete) {
         ++written.tally.statuses[status];
-        reason = encoded(std::to_string(status) + " " +
-                         message(status, heightFailed ? modelFileName : targetFileName));
+        reason =
+            encoded(std::to_string(status) + " " + message(status, heightFailed ? modelPath : targetPath));
     }
     if (options.exchanged) {
         std::swap(numbers[0], numbers[1]);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "keeper/library.h"
+#include "keeper/data_directory.h"
 #include "points/plausibility.h"
 #include "points/point_line.h"
 
@@ -61,9 +61,8 @@ using Texts = std::array<std::string, 4>;
 // Transforms points between two systems of a data directory. Any number of threads may use one at once.
 class PointWriter {
   public:
-    // targetFile and modelFile: the target's parameter file and the height model, as messages name them.
-    PointWriter(const RunOptions& runOptions, const std::string& directory, const System& sourceSystem,
-                const System& targetSystem, std::string targetFile, std::string modelFile);
+    PointWriter(const RunOptions& runOptions, const DataDirectory& directory, const System& source,
+                const System& target, const std::string& targetFile);
 
     // Transforms whole lines, the first of which has the given number in its file.
     void lines(std::string_view text, const LineForm& form, std::uint64_t firstLine, Written& written) const;
@@ -86,8 +85,8 @@ class PointWriter {
     [[nodiscard]] std::string encoded(const std::string& text) const;
 
     RunOptions options;
-    std::string targetFileName;
-    std::string modelFileName;
+    std::string targetPath;  // of the target's parameter file and of the height model, as messages name them
+    std::string modelPath;
     Road road;
     Plausibility plausibility;
     bool sourceGeocentric;

@@ -1,9 +1,6 @@
 #include "system/output.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
 #include <cstdio>
 
 namespace cli {
@@ -43,26 +40,6 @@ void print_table(const std::vector<std::vector<std::string>>& rows) {
         line.erase(line.find_last_not_of(' ') + 1);
         put(line + '\n');
     }
-}
-
-std::string number_text(double value) {
-    // Lengths and degrees without an exponent, whatever is shorter; small angles with one.
-    const double size = std::fabs(value);
-    const bool plain = size == 0.0 || (size >= 1e-5 && size < 1e15);
-    std::array<char, 40> text = {};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
-                                   plain ? std::chars_format::fixed : std::chars_format::scientific)
-                         .ptr;
-    return {text.data(), end};
-}
-
-std::string fixed_text(double value, int decimals) {
-    std::string text(std::size_t{330} + static_cast<std::size_t>(decimals),
-                     '\0');  // the largest double has 309 digits
-    const auto end =
-        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals).ptr;
-    text.resize(static_cast<std::size_t>(end - text.data()));
-    return text;
 }
 
 }  // namespace cli

@@ -23,10 +23,4 @@ std::string padded(std::string text, std::size_t width);
 // Prints rows of texts as a table with columns as wide as their widest text.
 void print_table(const std::vector<std::vector<std::string>>& rows);
 
-// A number with as many digits as tell it from every other (at most 17), for people and for data files.
-std::string number_text(double value);
-
-// A number with a fixed count of decimals.
-std::string fixed_text(double value, int decimals);
-
 }  // namespace cli

@@ -1,5 +1,7 @@
 #include "system/platform.h"
 
+#include "datafiles/platform_file.h"
+
 #ifdef _WIN32
 
 #include <windows.h>
@@ -18,8 +20,6 @@
 
 namespace cli {
 namespace {
-
-constexpr UINT westernCodePage = 1252;
 
 std::string from_wide(std::wstring_view text) {
     const int size = static_cast<int>(text.size());
@@ -65,8 +65,8 @@ std::optional<std::string> directory_bytes(const std::string& utf8) {
     std::string bytes(wide.size(), '\0');
     BOOL unknown = FALSE;
     const int size = static_cast<int>(wide.size());
-    WideCharToMultiByte(westernCodePage, WC_NO_BEST_FIT_CHARS, wide.data(), size, bytes.data(), size, nullptr,
-                        &unknown);
+    WideCharToMultiByte(lagestatus::westernCodePage, WC_NO_BEST_FIT_CHARS, wide.data(), size, bytes.data(),
+                        size, nullptr, &unknown);
     return unknown != FALSE ? std::nullopt : std::optional(bytes);
 }
 
@@ -171,7 +171,12 @@ StandardStreams::~StandardStreams() {
 #include <cerrno>
 #include <csignal>
 
+#include "base/uninterrupted.h"
+
 namespace cli {
+
+using lagestatus::uninterrupted;
+
 namespace {
 
 constexpr std::array<int, 7> endingSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU, SIGXFSZ};
@@ -183,16 +188,6 @@ extern "C" void remove_file(int signal) {
     (void)unlink(removedPath.data());
     std::signal(signal, SIG_DFL);
     (void)raise(signal);
-}
-
-// Calls again what a signal interrupted.
-template <typename Call>
-auto uninterrupted(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR) {
-        result = call();
-    }
-    return result;
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "system/output.h"
+#include "system/text.h"
 
 namespace cli {
 namespace {

@@ -37,5 +37,13 @@ inline constexpr std::array<KindTraits, 4> projectionKinds = {{
 [[nodiscard]] constexpr ProjectionKind projection_kind(std::string_view text) noexcept {
     return kind_traits(text).kind;
 }
+[[nodiscard]] constexpr std::string_view kind_name(ProjectionKind kind) noexcept {
+    for (const KindTraits& row : projectionKinds) {
+        if (row.kind == kind) {
+            return row.name;
+        }
+    }
+    return {};
+}
 
 }  // namespace lagestatus

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <span>
+#include <string_view>
 
 #include "base/fixed_text.h"
 
@@ -60,10 +61,19 @@ enum Slot : std::size_t {
 
 }  // namespace slot
 
+// Whether a system lies in the Bessel datum, the hub of all datum transformations, by the name of its ellipsoid.
+[[nodiscard]] constexpr bool lies_in_bessel_datum(std::string_view ellipsoidName) noexcept {
+    return ellipsoidName.starts_with("Bessel");
+}
+
 struct SystemDescription {
-    FixedText<100> systemName;
-    FixedText<11> ellipsoidName;
-    FixedText<14> projectionKind;
+    using SystemName = FixedText<100>;
+    using EllipsoidName = FixedText<11>;
+    using KindText = FixedText<14>;
+
+    SystemName systemName;
+    EllipsoidName ellipsoidName;
+    KindText projectionKind;
     ParameterArray parameters = {};
     int zoneNumber = 0;  // written behind the longitude of origin; 0 when none is given
 };

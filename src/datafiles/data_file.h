@@ -9,8 +9,9 @@
 
 namespace lagestatus {
 
-// A byte source over one regular file, or over bytes that the caller holds. Every pair of carriage return and line feed is delivered as one line feed,
-// on every platform; a lone carriage return and byte 26 are ordinary bytes. No heap memory, no locale.
+// A byte source over one regular file, or over bytes that the caller holds. Every pair of carriage return and line feed
+// is delivered as one line feed, on every platform; a lone carriage return and byte 26 are ordinary bytes. No heap
+// memory, no locale.
 class DataFile {
   public:
     static constexpr std::size_t maxDirectory = 299;  // characters

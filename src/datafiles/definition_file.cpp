@@ -6,6 +6,13 @@
 
 namespace lagestatus {
 
+const DefinitionEntry* DefinitionRecord::find(int code) const noexcept {
+    const auto* const end = entries.data() + complete;
+    const auto* const entry =
+        std::find_if(entries.data(), end, [code](const DefinitionEntry& each) { return each.code == code; });
+    return entry == end ? nullptr : entry;
+}
+
 Status read_definition_file(std::string_view directory, DefinitionRecord& record) noexcept {
     LineReader lines;
     return lines.open(directory, definitionFileName) ? read_definition(lines, record)

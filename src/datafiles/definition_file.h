@@ -31,6 +31,9 @@ struct DefinitionRecord {
     int count = 0;             // entries announced, at most 100; 0 or less: none
     std::size_t complete = 0;  // entries read in full; equal to count on success when count is above 0
     std::array<DefinitionEntry, maxEntries> entries;
+
+    // The entry of a code, of two the first; null if there is none.
+    [[nodiscard]] const DefinitionEntry* find(int code) const noexcept;
 };
 
 // Reads the definition file.

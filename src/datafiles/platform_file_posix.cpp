@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "base/fixed_text.h"
+#include "base/uninterrupted.h"
 #include "datafiles/platform_file.h"
 
 namespace lagestatus {
@@ -28,16 +29,6 @@ struct Opened {
     int handle;
     bool missing;  // there is no file of that name: the next way of looking for it may be tried
 };
-
-// Makes a system call again as long as signals interrupt it.
-template <typename Call>
-auto uninterrupted(Call call) noexcept {
-    auto returned = call();
-    while (returned == -1 && errno == EINTR) {
-        returned = call();
-    }
-    return returned;
-}
 
 int open_path(int directoryHandle, const char* path, int flags) noexcept {
     return uninterrupted([=] { return ::openat(directoryHandle, path, flags); });

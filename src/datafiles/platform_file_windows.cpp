@@ -9,7 +9,6 @@
 namespace lagestatus {
 namespace {
 
-constexpr UINT westernCodePage = 1252;
 constexpr std::string_view separators = "\\/";
 
 HANDLE native(FileHandle file) noexcept {

@@ -52,9 +52,9 @@ class NormalHeights {
     //           settled  set to false if the road is to be gone again with h, else unchanged
     [[nodiscard]] Status in_bessel_datum(const Geocentric& point, double& h, bool& settled) noexcept;
 
-    // For targets that are not geocentric, with their latitude, longitude and ellipsoidal height: a target in the Bessel
-    // datum has its height anomaly right here, if the source had not, the height given is ellipsoidal, and the flags do
-    // not restrict it to where it is wanted.
+    // For targets that are not geocentric, with their latitude, longitude and ellipsoidal height: a target in the
+    // Bessel datum has its height anomaly right here, if the source had not, the height given is ellipsoidal, and the
+    // flags do not restrict it to where it is wanted.
     void at_target(const Geographic& point) noexcept;
 
     // 1000 + the status of the last height anomaly, if that failed; else 0.

@@ -6,8 +6,6 @@
 namespace lagestatus {
 namespace {
 
-constexpr double zoneUnit = 1000000.0;  // metres; the zone number stands in the millions of the easting
-
 constexpr double tolSeries = 1e-12;  // terms of the ellipsoid's series
 constexpr double tolAngle = 1e-10;   // radians
 constexpr double tolLength = 1e-4;   // metres, Soldner arcs

@@ -22,11 +22,16 @@ struct Side {
          int zone = 0) noexcept
         : kind(projection_kind(kindText)),
           ellipsoidName(ellipsoidText),
-          bessel(ellipsoidText.starts_with("Bessel")),
+          bessel(lies_in_bessel_datum(ellipsoidText)),
           parameters(parameterArray),
           ellipsoid{parameterArray[slot::semiMajorAxis], parameterArray[slot::semiMinorAxis]},
           zones(decode_longitude_of_origin(parameterArray[slot::longitudeOfOrigin])),
           zoneNumber(zone) {}
+
+    // The description outlives the side.
+    explicit Side(const SystemDescription& system) noexcept
+        : Side(system.projectionKind.view(), system.ellipsoidName.view(), system.parameters,
+               system.zoneNumber) {}
 
     ProjectionKind kind;
     std::string_view ellipsoidName;

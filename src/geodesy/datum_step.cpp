@@ -25,6 +25,13 @@ Matrix rotation(double a, double b, double c) noexcept {
 
 }  // namespace
 
+bool has_intermediate_set(Parameters p) noexcept {
+    using namespace slot;
+    return p[intermediateTranslationX] != 0.0 || p[intermediateTranslationY] != 0.0 ||
+           p[intermediateTranslationZ] != 0.0 || p[intermediateRotationX] != 0.0 ||
+           p[intermediateRotationY] != 0.0 || p[intermediateRotationZ] != 0.0;
+}
+
 Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept {
     using namespace slot;
     const auto& p = parameters;
@@ -39,10 +46,7 @@ Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept {
         return m * ((r[0] * dX + r[1] * dY) + r[2] * dZ);
     };
 
-    const bool oneStage = p[intermediateTranslationX] == 0.0 && p[intermediateTranslationY] == 0.0 &&
-                          p[intermediateTranslationZ] == 0.0 && p[intermediateRotationX] == 0.0 &&
-                          p[intermediateRotationY] == 0.0 && p[intermediateRotationZ] == 0.0;
-    if (oneStage) {
+    if (!has_intermediate_set(p)) {
         return {p[translationX] + turned(R[0]), p[translationY] + turned(R[1]),
                 p[translationZ] + turned(R[2])};
     }

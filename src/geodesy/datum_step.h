@@ -6,6 +6,9 @@
 
 namespace lagestatus {
 
+// Whether the intermediate set is used: any of its translations and angles differs from 0.
+[[nodiscard]] bool has_intermediate_set(Parameters parameters) noexcept;
+
 // Carries a geocentric point from one datum into another: a similarity transformation in space, in one stage
 // or two.
 //

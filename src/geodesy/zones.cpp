@@ -6,18 +6,17 @@
 namespace lagestatus {
 namespace {
 
-constexpr double layoutsFrom = 360.0;  // degrees; above this a longitude of origin is a layout
-constexpr int layoutZero = 600;        // the integer part that stands for an offset of 0
-constexpr double tenthGuard = 0.05;    // a double may hold 600.3 slightly below
+constexpr double tenthGuard = 0.05;  // a double may hold 600.3 slightly below
 
 }  // namespace
 
 ZoneLayout decode_longitude_of_origin(double v) noexcept {
     if (!(v > layoutsFrom)) {
-        return {.offset = 0, .width = 0, .lam0 = v * degree};
+        return {.strips = false, .offset = 0, .width = 0, .lam0 = v * degree};
     }
     const int whole = truncated_or_smallest(v);
-    return {.offset = std::int64_t{whole} - layoutZero,
+    return {.strips = true,
+            .offset = std::int64_t{whole} - layoutZero,
             .width = truncated_or_smallest((v - static_cast<double>(whole) + tenthGuard) * 10.0),
             .lam0 = 0.0};
 }

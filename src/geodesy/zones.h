@@ -6,9 +6,16 @@
 
 namespace lagestatus {
 
+inline constexpr double layoutsFrom =
+    360.0;                              // degrees; above this a longitude of origin is a layout of strips
+inline constexpr int layoutZero = 600;  // its integer part that stands for an offset of 0
+inline constexpr double zoneUnit =
+    1000000.0;  // metres; the zone number stands in the millions of the easting
+
 // A longitude of origin v above 360 is a layout of strips: 600.3 stands for strips of 3 degrees with the central
 // meridian 3 z, 417.6 for strips of 6 degrees with 6 z - 183. Any other v is one meridian, and the rest is 0.
 struct ZoneLayout {
+    bool strips = false;      // there is a layout
     std::int64_t offset = 0;  // degrees; both have the values of 32-bit integers, less 600 for the offset
     std::int64_t width = 0;   // degrees
     double lam0 = 0.0;        // radians; 0 for a layout of strips

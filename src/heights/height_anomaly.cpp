@@ -11,9 +11,9 @@
 #include "geodesy/geocentric.h"
 #include "heights/height_model_file.h"
 
-// Symbols: index G for GRS80, B for Bessel, R for the fundamental point Rauenberg; V the auxiliary root of the latitude,
-// Rm the harmonic mean of the two principal radii of curvature, psi the distance from Rauenberg. The grouping of every
-// formula is fixed: results repeat to the last bit.
+// Symbols: index G for GRS80, B for Bessel, R for the fundamental point Rauenberg; V the auxiliary root of the
+// latitude, Rm the harmonic mean of the two principal radii of curvature, psi the distance from Rauenberg. The grouping
+// of every formula is fixed: results repeat to the last bit.
 
 namespace lagestatus {
 namespace {

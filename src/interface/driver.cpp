@@ -1,8 +1,5 @@
 #include "interface/driver.h"
 
-#include <algorithm>
-#include <cstddef>
-
 #include "base/projection_kind.h"
 #include "datafiles/parameter_file.h"
 
@@ -12,19 +9,13 @@ namespace {
 // Finds a system in the definition record and reads its parameter file.
 Status read_system(const DefinitionRecord& definition, int code, Column column, std::string_view directory,
                    int& auxiliary, SystemDescription& description) noexcept {
-    const auto* const end = definition.entries.data() + definition.complete;
-    const auto* const entry = std::find_if(definition.entries.data(), end,
-                                           [code](const DefinitionEntry& e) { return e.code == code; });
-    if (entry == end) {
+    const DefinitionEntry* const entry = definition.find(code);
+    if (entry == nullptr) {
         return status::codeNotListed;
     }
     auxiliary = entry->auxiliary;
     return read_parameter_file(column, directory, entry->name.view(), definition.scrambled, code,
                                description);
-}
-
-Side side_of(const SystemDescription& system) noexcept {
-    return {system.projectionKind.view(), system.ellipsoidName.view(), system.parameters, system.zoneNumber};
 }
 
 }  // namespace
@@ -49,8 +40,8 @@ Status run_driver(const Point& point, int sourceCode, int targetCode, std::strin
         read != status::ok) {
         return read;
     }
-    const Side sourceSide = side_of(source);
-    const Side targetSide = side_of(target);
+    const Side sourceSide(source);
+    const Side targetSide(target);
     const bool normalHeight = heightMode == 'N' || heightMode == 'n';
     const HeightFlags heights = {
         .sourceIsNormal = normalHeight && sourceSide.kind != ProjectionKind::geocentric,
