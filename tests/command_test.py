@@ -9,6 +9,7 @@ steps run one after the other:
     == TITLE                 begins a case; "== [linux] TITLE" and "== [windows] TITLE" are for that system alone
     file NAME                writes a file from the lines "| TEXT" that follow
     copy FROM TO             copies a file or a directory
+    move FROM TO             gives a file another name
     edit NAME PATTERN TEXT   replaces what the regular expression finds (over all lines, as ISO 8859-1)
     same A B                 two files have the same bytes
     absent NAME              there is no such file
@@ -102,6 +103,9 @@ class Case:
     def do_copy(self, rest, _lines, _command, work, _windows):
         source, target = (work / name for name in shlex.split(rest))
         shutil.copytree(source, target) if source.is_dir() else shutil.copy(source, target)
+
+    def do_move(self, rest, _lines, _command, work, _windows):
+        shutil.move(*(work / name for name in shlex.split(rest)))
 
     def do_edit(self, rest, _lines, _command, work, _windows):
         name, pattern, text = shlex.split(rest)

@@ -1,16 +1,9 @@
 // The height model: its file, the height anomaly, and normal heights on the road of a point.
-#include <bit>
-#include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <fstream>
-#include <optional>
-#include <random>
 #include <sstream>
 
 #include "base/angles.h"
-#include "base/system_description.h"
-#include "geodesy/datum_step.h"
 #include "heights/height_anomaly.h"
 #include "support.h"
 
@@ -83,139 +76,6 @@ TEST(HeightModel, ReportsEveryDefect) {
         expect("0\n" + join(lines), 9.3, 51.4, number == 1 ? 0 : 100, 0);
     }
     EXPECT_EQ(open_file_handles(), handles);
-}
-
-// The height anomaly once more, word for word, with the whole grid in memory: nothing for a place without one.
-struct Model {
-    std::array<double, 29> v = {};             // the header as the file has it
-    std::array<double, 3> lon = {}, lat = {};  // smallest, largest, spacing
-    std::vector<double> grid;
-};
-std::optional<double> anomaly_as_written(const Model& model, double lam, double phi) {
-    constexpr double D = 0.0174532925199433;
-    const auto& v = model.v;
-    const double aB = v[0], bB = v[1], aG = v[2], bG = v[3];
-    ParameterArray p = {};
-    constexpr std::size_t slots[] = {15, 14, 16, 17, 18, 19, 20, 22, 21, 23,
-                                     27, 26, 28, 29, 30, 31, 32, 34, 33, 35};
-    for (std::size_t i = 0; i < 20; ++i) {
-        p[slots[i]] = v[4 + i];
-    }
-    Geographic G;
-    if (geocentric_to_geographic({aG, bG}, datum_step(p, geographic_to_geocentric({aB, bB}, {phi, lam, 0})),
-                                 G) != 0) {
-        return {};
-    }
-    const double lamR = v[24] * D, phiR = v[25] * D;
-    const double xiR = v[26] * D / 3600.0, etaR = v[27] * D / 3600.0, zetaR = v[28];
-    double delta = 0;
-    if (phiR > 0 && lamR > 0) {
-        using std::cos;
-        using std::sin;
-        const double VR = std::sqrt((aG * aG / bG / bG - 1) * (cos(phiR) * cos(phiR)) + 1);
-        const double Rm = aG * 2.0 / bG * aG / ((VR * VR) * VR + VR);
-        const double dl = G.lam - lamR;
-        const double cosPsi = cos(G.phi) * cos(phiR) * cos(dl) + sin(phiR) * sin(G.phi);
-        const double ds = sin(G.phi) - sin(phiR);
-        delta = zetaR * cosPsi;
-        delta -= sin(dl) * cos(G.phi) * Rm * etaR +
-                 (sin(G.phi) * cos(phiR) - sin(phiR) * cos(G.phi) * cos(dl)) * Rm * xiR;
-        delta += (aG - aB) * (cosPsi - 1);
-        delta += ((aG - bG) / aG - (aB - bB) / aB) * ((cosPsi - 1) * (sin(phiR) * sin(phiR)) + ds * ds) * Rm;
-    }
-    if (G.lam < model.lon[0] * D || G.lam > model.lon[1] * D || G.phi < model.lat[0] * D ||
-        G.phi > model.lat[1] * D) {
-        return {};
-    }
-    const double l = G.lam / D, b = G.phi / D;
-    const int n = static_cast<int>((model.lon[1] - model.lon[0]) / model.lon[2] + 1.000005);
-    const int i = static_cast<int>((l - model.lon[0]) / model.lon[2]);
-    const int j = static_cast<int>((b - model.lat[0]) / model.lat[2]);
-    const double s = (l - i * model.lon[2] - model.lon[0]) / model.lon[2];
-    const double t = (b - j * model.lat[2] - model.lat[0]) / model.lat[2];
-    const auto at = [&](int k) { return model.grid.at(static_cast<std::size_t>(k)); };
-    const int k = n * j + i;
-    const double G00 = at(k), G10 = at(k + 1), G01 = at(k + n), G11 = at(k + n + 1);
-    if (G00 == 999999.0 || G10 == 999999.0 || G01 == 999999.0 || G11 == 999999.0) {
-        return {};
-    }
-    return ((((G11 - G10) - G01) + G00) * t + (G10 - G00)) * s + ((G01 - G00) * t + G00) - delta;
-}
-
-TEST(HeightAnomaly, HoldsEveryBitOfItsFormulasOnGridsOfEveryWidth) {
-    std::mt19937_64 random(20261123);  // any number: the cases must repeat
-    const auto near = [&random](double middle, double spread) {
-        return middle + spread * std::uniform_real_distribution<double>(-1, 1)(random);
-    };
-    const auto text = [](double value) {
-        std::array<char, 32> chars = {};
-        return std::string(chars.data(), std::to_chars(chars.data(), chars.data() + chars.size(), value).ptr);
-    };
-    // Written as an angle; the value becomes what that says.
-    const auto sexagesimal = [&text](double& value) {
-        const int degrees = static_cast<int>(value);
-        const int minutes = static_cast<int>((value - degrees) * 60);
-        const double seconds = std::max(0.0, (value - degrees - minutes / 60.0) * 3600);
-        value = degrees + minutes / 60.0 + seconds / 3600.0;
-        return std::to_string(degrees) + "\xB0" + std::to_string(minutes) + "'" + text(seconds) + "\"";
-    };
-    const DataDirectory directory;
-    int found = 0;
-    for (int round = 0; round < 1500; ++round) {
-        SCOPED_TRACE(round);
-        Model model;
-        auto& v = model.v;
-        const double polar = round % 5 == 0 ? 5900000 : 6356400;  // very flat: terms in the flattening show
-        v[0] = near(6377400, 100), v[1] = near(polar, 500), v[2] = near(6378137, 1), v[3] = near(polar, 500);
-        for (std::size_t i = 4; i < 24; ++i) {
-            const std::size_t inSet = (i - 4) % 10;
-            const bool intermediate = i >= 14 && inSet < 6 && round % 2 == 0;
-            v[i] = intermediate ? 0
-                   : inSet == 6 ? near(1, 1e-5)
-                                : near(0, inSet >= 3 && inSet < 6 ? 1e-4 : 500);
-        }
-        v[24] = round % 6 == 0 ? 0 : near(10, 9);  // 0 in either coordinate: no correction
-        v[25] = round % 6 == 3 ? 0 : near(50, 10);
-        v[26] = near(0, 20), v[27] = near(0, 20), v[28] = near(0, 50);
-        const int columns = 1 + round % 20;
-        const int valueRows = 2 + round % 5;
-        const double width = near(0.25, 0.1), height = near(0.25, 0.1);
-        model.lon = {near(9, 0.5), 0, width};
-        model.lon[1] = model.lon[0] + width * (columns == 1 ? 0.7 : columns - 0.999);
-        model.lat = {near(51, 0.5), 0, height};
-        model.lat[1] = model.lat[0] + height * (valueRows - 0.999);
-        std::string file = "0\n";
-        for (const double value : v) {
-            file += text(value) + "\n";
-        }
-        for (auto* const range : {&model.lon, &model.lat}) {
-            for (double& value : *range) {
-                file += round % 4 == 1 ? sexagesimal(value) : text(value) + " ";
-            }
-            file += "\n";
-        }
-        for (int k = 0; k < columns * (valueRows + 1) + 2; ++k) {
-            model.grid.push_back(k % 97 == 96 ? 999999.0 : near(0, 1000));
-            file += text(model.grid.back()) + (k % 7 == 6   ? (k % 3 == 0 ? "\n# 1 2 3\n" : "\n")
-                                               : k % 5 == 0 ? " \t"
-                                                            : " ");
-        }
-        directory.write("hoehe.ini", file);
-        for (int place = 0; place < 20; ++place) {
-            const double lam =
-                near((model.lon[0] + model.lon[1]) / 2, (model.lon[1] - model.lon[0]) / 2) * degree;
-            const double phi =
-                near((model.lat[0] + model.lat[1]) / 2, (model.lat[1] - model.lat[0]) / 2) * degree;
-            double zeta = untouched;
-            const bool ok = height_anomaly(directory.path(), lam, phi, zeta) == 0;
-            const std::optional<double> expected = anomaly_as_written(model, lam, phi);
-            ASSERT_EQ(ok, expected.has_value());
-            ASSERT_EQ(std::bit_cast<std::uint64_t>(zeta),
-                      std::bit_cast<std::uint64_t>(expected.value_or(0.0)));
-            found += ok;
-        }
-    }
-    EXPECT_GT(found, 20000);
 }
 
 // The data lines of the sample's height model.
@@ -349,37 +209,6 @@ TEST(NormalHeights, FailWithTheStatusOfTheHeightModel) {
         }
     }
     EXPECT_EQ(open_file_handles(), handles);
-}
-
-TEST(NormalHeights, IterateBitForBit) {
-    const DataDirectory directory;
-    directory.write("hoehe.ini", "0\n" + join(good_model()));
-    const Ellipsoid grs80 = ellipsoids[1].axes();
-    // Heights stretched about a place on the ellipsoid; so high that a last bit shows.
-    const Geocentric middle = geographic_to_geocentric(grs80, {51.4 * degree, 9.3 * degree, 0});
-    for (int round = 0; round < 40; ++round) {
-        const double H = 173000.7 * round;
-        Road road = {.directory = directory.path(), .point = {51.4, 9.3, H}};
-        road.sourceEllipsoid = "GRS80", road.targetEllipsoid = "WGS84";
-        road.sourceFlag = road.targetFlag = -1;
-        road.source[slot::translationX] = road.source[slot::reductionX] = middle.x;
-        road.source[slot::translationY] = road.source[slot::reductionY] = middle.y;
-        road.source[slot::translationZ] = road.source[slot::reductionZ] = middle.z;
-        road.source[slot::datumScale] = 0.9 + 0.01 * round;
-        ASSERT_EQ(road.run(), 0);
-        Geographic g;
-        double d = 0, zeta = 0, h = H;
-        do {
-            h = h + d;
-            const Geocentric P = geographic_to_geocentric(grs80, {51.4 * degree, 9.3 * degree, h});
-            const Geocentric P1 = datum_step(road.source, P);
-            ASSERT_EQ(geocentric_to_geographic(grs80, P1, g), 0);
-            ASSERT_EQ(height_anomaly(directory.path(), g.lam, g.phi, zeta), 0);
-            d = H - g.h + zeta;
-            ASSERT_EQ(geocentric_to_geographic(grs80, datum_step(road.target, P1), g), 0);
-        } while (std::fabs(d) > 0.001);
-        EXPECT_EQ(road.point, (std::array{g.phi / degree, g.lam / degree, g.h, H}));
-    }
 }
 
 TEST(NormalHeights, FindTheirFile) {
