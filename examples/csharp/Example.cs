@@ -46,6 +46,20 @@ static class Lagestatus
     [DllImport(Library, CallingConvention = CallingConvention.Cdecl, CharSet = CharSet.Unicode, ExactSpelling = true)]
     public static extern void transfm_dll(int code, string fileName, StringBuilder buffer);
 
+    // What Windows-1252 has at 0x80 to 0x9F.
+    const string From80 =
+        "\u20ac\u0081\u201a\u0192\u201e\u2026\u2020\u2021\u02c6\u2030\u0160\u2039\u0152\u008d\u017d\u008f" +
+        "\u0090\u2018\u2019\u201c\u201d\u2022\u2013\u2014\u02dc\u2122\u0161\u203a\u0153\u009d\u017e\u0178";
+
+    // A path for the library, one byte a unit: in Windows-1252, elsewhere in UTF-8.
+    public static string PathText(string path)
+    {
+        if (System.IO.Path.DirectorySeparatorChar == '/')
+            return new string(Array.ConvertAll(Encoding.UTF8.GetBytes(path), unit => (char)unit));
+        return new string(Array.ConvertAll(path.ToCharArray(),
+            unit => From80.IndexOf(unit) < 0 ? unit : (char)(0x80 + From80.IndexOf(unit))));
+    }
+
     public static string Message(int status, string fileName)
     {
         var buffer = new StringBuilder(129 + 91 + fileName.Length);
@@ -70,7 +84,7 @@ static class Example
     static int Main(string[] arguments)
     {
         Console.OutputEncoding = new UTF8Encoding(false);
-        string dir = arguments.Length > 0 ? arguments[0] : ".";
+        string dir = Lagestatus.PathText(arguments.Length > 0 ? arguments[0] : ".");
         var name = new StringBuilder(Lagestatus.NameSize);
         var name2 = new StringBuilder(Lagestatus.NameSize);
         var ellipsoid = new StringBuilder(Lagestatus.EllipsoidSize);

@@ -32,7 +32,7 @@ var
   auxiliary: TPair;
   zone, i: Integer;
 begin
-  dir := UnicodeString(ParamStr(1));
+  dir := PathText(ParamStr(1));
   if (test_dll(1.0, 2.0, 3.0, pointResult) <> 0) or (pointResult[3] <> 3.0) then
   begin
     WriteLn('the library is not bound as it should be');

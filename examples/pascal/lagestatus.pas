@@ -53,10 +53,31 @@ function transr_dll(point: PPoint3; sourceKind, targetKind: PWideChar; out point
 
 procedure transfm_dll(code: Integer; fileName, buffer: PWideChar); cdecl; external LagestatusLibrary;
 
+{ A path for the library, one byte a unit: in Windows-1252, elsewhere as the system has it. }
+function PathText(const path: string): UnicodeString;
+
 { The German message of a status. }
 function StatusMessage(status: Integer; const fileName: UnicodeString): UnicodeString;
 
 implementation
+
+function PathText(const path: string): UnicodeString;
+{$IFDEF MSWINDOWS}
+type
+  TPathBytes = type AnsiString(1252);
+{$ELSE}
+type
+  TPathBytes = RawByteString;
+{$ENDIF}
+var
+  bytes: TPathBytes;
+  i: Integer;
+begin
+  bytes := TPathBytes(path);
+  SetLength(Result, Length(bytes));
+  for i := 1 to Length(bytes) do
+    Result[i] := WideChar(Ord(bytes[i]));
+end;
 
 function StatusMessage(status: Integer; const fileName: UnicodeString): UnicodeString;
 var

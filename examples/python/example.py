@@ -45,6 +45,12 @@ def text(string):
     return (ctypes.c_uint16 * (len(data) // 2)).from_buffer_copy(data)
 
 
+def path(name):
+    """A path for the library, one byte a unit: in Windows-1252, elsewhere as the system has it."""
+    data = name.encode("cp1252") if os.name == "nt" else os.fsencode(name)
+    return (ctypes.c_uint16 * (len(data) + 1))(*data)
+
+
 def string(units):
     """What a buffer of the library holds."""
     return bytes(units).decode("utf-16-le").split("\0", 1)[0]
@@ -68,7 +74,7 @@ def main(directory):
     kind, kind2 = buffer(KIND_SIZE), buffer(KIND_SIZE)
     source, target = (Double * PARAMETER_COUNT)(), (Double * PARAMETER_COUNT)()
     result, auxiliary, zone = (Double * RESULT_SIZE)(), (Int * 2)(), Int()
-    data = text(directory)
+    data = path(directory)
 
     assert library.test_dll(1.0, 2.0, 3.0, result) == 0 and result[3] == 3.0, "the library is not bound as it should be"
 

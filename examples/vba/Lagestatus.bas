@@ -9,6 +9,8 @@ Attribute VB_Name = "Lagestatus"
 ' const lagestatus_char* (given) ByVal LongPtr: StrPtr of a String with a value (of an unassigned one and of
 '                                vbNullString it is 0, which the library must not get)
 ' lagestatus_char* (returned)    ByVal LongPtr: StrPtr of a String that Buffer made
+'                                Umlauts in paths go as they are; of the characters that ISO 8859-1 lacks,
+'                                those of Windows-1252 by their code there: ChrW$(&H80) for the euro sign
 ' const char* heightMode         ByVal String: VBA passes its 8-bit characters
 Option Explicit
 
