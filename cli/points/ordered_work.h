@@ -25,9 +25,8 @@ class OrderedWork {
     // work: called for every piece, by any thread. handOut: called for one piece at a time. With one job all is done by
     // the caller's thread. What either throws comes out of next() or finish().
     OrderedWork(std::size_t jobs, Action work, Action handOut)
-        : inlineWork(jobs <= 1),
-          threadLimit(inlineWork ? 0 : jobs),
-          slots(inlineWork ? 1 : jobs + extraPieces),
+        : threadLimit(jobs <= 1 ? 0 : jobs),
+          slots(jobs <= 1 ? 1 : jobs + extraPieces),
           doWork(std::move(work)),
           doHandOut(std::move(handOut)) {}
 
@@ -57,7 +56,7 @@ class OrderedWork {
 
     // The piece that next() gave is filled.
     void submit() {
-        if (inlineWork) {
+        if (threadLimit == 0) {
             Piece& piece = slot(filled).piece;
             doWork(piece);
             doHandOut(piece);
@@ -150,8 +149,7 @@ class OrderedWork {
         }
     }
 
-    const bool inlineWork;
-    const std::size_t threadLimit;
+    const std::size_t threadLimit;  // 0: the caller's thread does it all
     std::vector<Slot> slots;
     const Action doWork;
     const Action doHandOut;

@@ -72,10 +72,8 @@ void PieceReader::read(InputFile& input) {
         file.recognise(piece.lines);
         piece.form = file.form;
         piece.firstLine = file.line;
-        file.line +=
-            piece.overlong
-                ? 1
-                : static_cast<std::uint64_t>(std::count(piece.lines.begin(), piece.lines.end(), '\n'));
+        const auto feeds = std::count(piece.lines.begin(), piece.lines.end(), '\n');
+        file.line += static_cast<std::uint64_t>(feeds) + (piece.overlong ? 1 : 0);
         work.submit();
     }
 }
@@ -83,7 +81,10 @@ void PieceReader::read(InputFile& input) {
 // Takes the next whole lines, as many as have come; at the end of the file what is left.
 void PieceReader::take_lines(File& file, Piece& piece) const {
     // Label and heading hang on the first point.
-    const bool needsPoint = file.line == 1 && (form.header || form.label);
+    const auto isEnough = [&](std::string_view lines) {
+        return file.line > 1 || !(form.header || form.label) ||
+               first_point(lines.substr(head_of(lines, form.header).size())).has_value();
+    };
     std::string& rest = file.rest;
     piece.overlong = false;
     piece.read = 0;
@@ -99,8 +100,7 @@ void PieceReader::take_lines(File& file, Piece& piece) const {
         const std::size_t feed = piece.overlong ? rest.find('\n') : rest.rfind('\n');
         const std::size_t whole = file.ended ? rest.size() : feed + 1;  // 0: no line feed
         const std::string_view lines = std::string_view(rest).substr(0, whole);
-        if (file.ended || (whole > 0 && (full || piece.overlong || !needsPoint ||
-                                         first_point(lines.substr(head_of(lines, form.header).size()))))) {
+        if (file.ended || (whole > 0 && (full || piece.overlong || isEnough(lines)))) {
             piece.lines = piece.overlong ? "" : lines;
             rest.erase(0, whole);
             return;

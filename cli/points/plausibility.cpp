@@ -80,26 +80,20 @@ bool Plausibility::lies_in_germany(double northing, double easting) const {
 }
 
 bool Plausibility::looks_exchanged(const std::array<double, 3>& point) const {
-    return scheme == Scheme::strips && originLatitude == 0.0 && !lies_in_germany(point[0], point[1]) &&
-           lies_in_germany(point[1], point[0]);
+    return (northing_fits(point[1]) && !northing_fits(point[0])) ||
+           (scheme == Scheme::strips && originLatitude == 0.0 && !lies_in_germany(point[0], point[1]) &&
+            lies_in_germany(point[1], point[0]));
 }
 
 bool Plausibility::fits(const std::array<double, 3>& point) const {
-    switch (scheme) {
-        case Scheme::degrees:
-            return within_circle(point) &&
-                   (latitudes.holds(point[0]) || !latitudes.holds(point[1]) || !longitudes.holds(point[0]));
-        case Scheme::strips:
-        case Scheme::meridian:
-            return strip_fits(point[1]) && (northing_fits(point[0]) || !northing_fits(point[1])) &&
-                   !looks_exchanged(point);
-        case Scheme::local:
-            return std::fabs(point[0] - constantX) <= localReach &&
-                   std::fabs(point[1] - constantY) <= localReach;
-        case Scheme::unchecked:
-            break;
+    if (scheme == Scheme::degrees) {
+        return within_circle(point) &&
+               (latitudes.holds(point[0]) || !latitudes.holds(point[1]) || !longitudes.holds(point[0]));
     }
-    return true;
+    if (scheme == Scheme::local) {
+        return std::fabs(point[0] - constantX) <= localReach && std::fabs(point[1] - constantY) <= localReach;
+    }
+    return scheme == Scheme::unchecked || (strip_fits(point[1]) && !looks_exchanged(point));
 }
 
 std::string Plausibility::likely_mistake(const std::array<double, 3>& point) const {
@@ -111,7 +105,7 @@ std::string Plausibility::likely_mistake(const std::array<double, 3>& point) con
         return "coordinates of more than " + fixed_text(localReach / 1e3, 0) +
                " km from the origin; do they belong to another system?";
     }
-    if (looks_exchanged(point) || (northing_fits(point[1]) && !northing_fits(point[0]))) {
+    if (looks_exchanged(point)) {
         return "northing and easting look exchanged (--swap, or other --columns)";
     }
     const double strip = parted(point[1]).strip;

@@ -11,9 +11,8 @@
 namespace cli {
 namespace {
 
-// What may stand around a field. A carriage return within a line is text.
-bool is_padding(char character) {
-    return lagestatus::is_blank(character) && character != '\r';
+bool is_gap(char character) {
+    return std::find(blankCharacters.begin(), blankCharacters.end(), character) != blankCharacters.end();
 }
 
 // Whether a field is meant as a number, however it goes on.
@@ -75,7 +74,7 @@ PointLineReader::PointLineReader(const LineForm& lineForm)
 void PointLineReader::split(std::string_view line) {
     spans.clear();
     const auto skipBlanks = [&](std::size_t at) {
-        while (at < line.size() && is_padding(line[at])) {
+        while (at < line.size() && is_gap(line[at])) {
             ++at;
         }
         return at;
@@ -96,7 +95,7 @@ void PointLineReader::split(std::string_view line) {
         for (std::size_t at = skipBlanks(0); at < line.size() && spans.size() < wanted; at = skipBlanks(at)) {
             const std::size_t begin = at;
             at = behindQuotes(at);
-            while (at < line.size() && !is_padding(line[at])) {
+            while (at < line.size() && !is_gap(line[at])) {
                 ++at;
             }
             spans.push_back({begin, at});
@@ -109,10 +108,10 @@ void PointLineReader::split(std::string_view line) {
             line.find(form.delimiter, behindQuotes(std::min(line.find_first_not_of(' ', at), line.size()))),
             line.size());
         span.end = at;
-        while (span.begin < span.end && is_padding(line[span.begin])) {
+        while (span.begin < span.end && is_gap(line[span.begin])) {
             ++span.begin;
         }
-        while (span.end > span.begin && is_padding(line[span.end - 1])) {
+        while (span.end > span.begin && is_gap(line[span.end - 1])) {
             --span.end;
         }
         spans.push_back(span);
@@ -159,8 +158,7 @@ bool PointLineReader::read_coordinate(std::string_view field, std::size_t part, 
         value = *number;
         return true;
     }
-    constexpr std::size_t heightPart = 2;
-    if (!form.angles || part == heightPart) {
+    if (!form.angles || part == 2) {
         return false;
     }
     const auto angle = read_angle(field, part == 0 ? Hemisphere::latitude : Hemisphere::longitude);

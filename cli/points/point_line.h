@@ -39,6 +39,7 @@ struct PointLine {
     std::string error;  // why the line is no point; empty if it is one
 };
 
+// A carriage return within a line is text.
 inline constexpr std::string_view blankCharacters = " \t\v\f";
 
 struct TextLine {

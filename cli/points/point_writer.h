@@ -70,7 +70,7 @@ class PointWriter {
     // A line that is too long to be read, as its row.
     void overlong_line(const LineForm& form, std::uint64_t line, std::size_t limit, Written& written) const;
 
-    // A line of column names, with the names of the coordinates in their places. hasHeight: whether the points have one.
+    // A line of column names, with the names of the coordinates in their places. hasHeight: whether points have one.
     [[nodiscard]] std::string heading(std::string_view line, const LineForm& form, bool hasHeight) const;
 
     // The names of the columns alone, as a comment.

@@ -21,13 +21,12 @@ template <typename Error = FileError>
 InputFile::InputFile() noexcept : fileName("standard input"), descriptor(standardInput) {}
 
 InputFile::InputFile(const std::string& path) : fileName(path), descriptor(open_to_read(path)) {
-    if (descriptor < 0) {
-        fail(path, "cannot be opened");
-    }
     std::error_code none;
-    if (std::filesystem::is_directory(file_path(path), none)) {
-        close_file(descriptor);
+    if (descriptor >= 0 && std::filesystem::is_directory(file_path(path), none)) {
+        close_file(std::exchange(descriptor, -1));
         errno = EISDIR;
+    }
+    if (descriptor < 0) {
         fail(path, "cannot be opened");
     }
 }
@@ -73,12 +72,10 @@ OutputFile::OutputFile(const std::string& path) : fileName(path), finalPath(path
         }
         finalPath = path_text(place);
         constexpr int attempts = 100;
-        for (int attempt = 0; descriptor < 0 && attempt < attempts; ++attempt) {
+        errno = EEXIST;
+        for (int attempt = 0; descriptor < 0 && errno == EEXIST && attempt < attempts; ++attempt) {
             temporaryPath = finalPath + ".part" + std::to_string(process_number() + attempt);
             descriptor = open_to_write(temporaryPath, true);
-            if (descriptor < 0 && errno != EEXIST) {
-                break;
-            }
         }
         if (descriptor >= 0) {
             remove_when_interrupted(temporaryPath);
