@@ -431,19 +431,18 @@ int check_directory(const std::string& name, const std::string& map) {
 
 }  // namespace
 
-void add_check(CLI::App& program, int& exitStatus) {
+Command check_command() {
     struct Options {
         std::string directory = ".";
         std::string map;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("check", "Say what is wrong with a data directory");
-    add_directory_option(command, options->directory);
-    command.add_option("--map", options->map, "Draw the height anomalies into this file, a map in SVG")
-        ->type_name("FILE.svg");
-    add_examples(command, "lagestatus check -d data --map heights.svg");
-    command.callback(
-        [options, &exitStatus] { exitStatus = check_directory(options->directory, options->map); });
+    Command command{"check", "Say what is wrong with a data directory"};
+    command.add_directory(&options->directory);
+    command.add("--map FILE.svg", &options->map, "Draw the height anomalies into this file, a map in SVG");
+    command.examples = "lagestatus check -d data --map heights.svg";
+    command.run = [options] { return check_directory(options->directory, options->map); };
+    return command;
 }
 
 }  // namespace cli

@@ -1,32 +1,31 @@
-// The commands of the program. Each function adds one of them, with its options, its help and an example; when the
-// command is the one called, its exit status is stored. Completions go by the names of values: DIR a directory, FILE a
-// file, CODE a system of the data directory, which is the option --dir.
+// The commands of the program. Each function makes one of them, with what it takes, its help and an example. Completions
+// go by the names of values: DIR the data directory, FILE a file, CODE a system of the data directory.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <array>
+#include <string_view>
+
+#include "help/description.h"
 
 namespace cli {
 
 inline constexpr int allGood = 0;
 inline constexpr int someFailed = 1;
 inline constexpr int nothingDone = 2;
+inline constexpr std::array<std::string_view, 3> exitMeanings = {
+    "all good", "some rows failed, or defects were found",
+    "nothing could be done: a wrong command line, or files that cannot be used"};
 
-void add_list(CLI::App& program, int& exitStatus);
-void add_show(CLI::App& program, int& exitStatus);
-void add_transform(CLI::App& program, int& exitStatus);
-void add_check(CLI::App& program, int& exitStatus);
-void add_scramble(CLI::App& program, int& exitStatus);
-void add_unscramble(CLI::App& program, int& exitStatus);
-void add_import(CLI::App& program, int& exitStatus);
-void add_message(CLI::App& program, int& exitStatus);
+Command list_command();
+Command show_command();
+Command transform_command();
+Command check_command();
+Command scramble_command();
+Command unscramble_command();
+Command import_command();
+Command message_command();
 
-// manual and completion: the program describes itself.
-void add_self_description(CLI::App& program, int& exitStatus);
-
-// Adds the option -d, --dir with its default, the current directory.
-void add_directory_option(CLI::App& command, std::string& directory);
-
-// Adds a paragraph of examples behind a command's options, one a line.
-void add_examples(CLI::App& command, const std::string& examples);
+Command manual_command(const Command& program);  // which lives longer
+Command completion_command();
 
 }  // namespace cli

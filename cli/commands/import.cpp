@@ -138,58 +138,57 @@ int import_system(const ImportOptions& options) {
 
 }  // namespace
 
-void add_import(CLI::App& program, int& exitStatus) {
+Command import_command() {
     const auto options = std::make_shared<ImportOptions>();
-    CLI::App& command = *program.add_subcommand("import", "Write a parameter file from published parameters");
-    const auto add = [&command](const char* names, std::string& text, const char* type,
-                                const char* description) {
-        return command.add_option(names, text, description)->type_name(type);
-    };
-    add("CODE", options->code, "", "Lagestatus of the system")->required();
-    add("-o,--output", options->output, "FILE.tra", "File to write; without it, standard output");
-    command.add_flag("--force", options->force, "Replace an existing file");
-    add("--name", options->name, "TEXT", "Name of the system")->required();
-    add("--kind", options->kind, "KIND", "Kind of projection")
-        ->required()
-        ->check(CLI::IsMember({"Geographisch", "Geozentrisch", "Gauss-Krueger", "Soldner"}));
-    const CLI::IsMember conventions({"position_vector", "coordinate_frame"});
-    add("--ellipsoid", options->ellipsoid, "NAME",
+    const Rules conventions = {.choices = {"position_vector", "coordinate_frame"}};
+    Command command{"import", "Write a parameter file from published parameters"};
+    command.add("CODE", &options->code, "Lagestatus of the system", {.required = true});
+    command.add("-o, --output FILE.tra", &options->output, "File to write; without it, standard output");
+    command.add("--force", &options->force, "Replace an existing file");
+    command.add("--name TEXT", &options->name, "Name of the system", {.required = true});
+    command.add("--kind KIND", &options->kind, "Kind of projection",
+                {.required = true, .choices = {"Geographisch", "Geozentrisch", "Gauss-Krueger", "Soldner"}});
+    command.add(
+        "--ellipsoid NAME", &options->ellipsoid,
         "Bessel 1841, GRS80, WGS84, Krassowski 1940, International 1924 (Hayford), Airy 1830, Clarke 1866, "
         "Clarke 1880 (IGN)");
-    add("--ellipsoid-name", options->ellipsoidName, "TEXT",
+    command.add(
+        "--ellipsoid-name TEXT", &options->ellipsoidName,
         "Its name in the file: equal names are one datum, and one that begins with Bessel is the Bessel "
         "datum");
-    add("--a", options->semiMajorAxis, "METRES", "Semi-major axis");
-    add("--rf", options->inverseFlattening, "NUMBER", "Inverse flattening");
-    add("--b", options->semiMinorAxis, "METRES", "Semi-minor axis");
-    add("--lat-0", options->latitude, "DEGREES", "Latitude of origin");
-    add("--lon-0", options->longitude, "DEGREES", "Longitude of origin, the central meridian");
-    add("--k-0", options->scale, "NUMBER", "Scale of the meridian");
-    add("--x-0", options->easting, "METRES", "False easting; the millions are the strip number");
-    add("--y-0", options->northing, "METRES", "False northing");
-    add("--strips", options->strips, "WIDTH[,OFFSET]",
-        "Strips instead of one meridian: strip z has the meridian WIDTH z + OFFSET, in degrees");
-    add("--towgs84", options->set, "NUMBERS",
+    command.add("--a METRES", &options->semiMajorAxis, "Semi-major axis");
+    command.add("--rf NUMBER", &options->inverseFlattening, "Inverse flattening");
+    command.add("--b METRES", &options->semiMinorAxis, "Semi-minor axis");
+    command.add("--lat-0 DEGREES", &options->latitude, "Latitude of origin");
+    command.add("--lon-0 DEGREES", &options->longitude, "Longitude of origin, the central meridian");
+    command.add("--k-0 NUMBER", &options->scale, "Scale of the meridian");
+    command.add("--x-0 METRES", &options->easting, "False easting; the millions are the strip number");
+    command.add("--y-0 METRES", &options->northing, "False northing");
+    command.add("--strips WIDTH[,OFFSET]", &options->strips,
+                "Strips instead of one meridian: strip z has the meridian WIDTH z + OFFSET, in degrees");
+    command.add(
+        "--towgs84 NUMBERS", &options->set,
         "From the system to WGS84/ETRS89: dx,dy,dz in metres or dx,dy,dz,rx,ry,rz,ds with arc seconds and "
         "ppm");
-    add("--convention", options->convention, "WORD", "What its rotations turn")->check(conventions);
-    add("--reduction", options->reduction, "X,Y,Z",
-        "Point that it turns about (Molodensky-Badekas), in metres");
-    add("--hub-towgs84", options->hubSet, "NUMBERS",
-        "From the Bessel datum to WGS84/ETRS89, in the same way");
-    add("--hub-convention", options->hubConvention, "WORD", "Its convention")->check(conventions);
-    add("--hub-reduction", options->hubReduction, "X,Y,Z", "Its point");
-    add("--hub", options->hubCode, "CODE", "Or: the system of a data directory whose second column this is");
-    add("-d,--dir", options->directory, "DIR", "The data directory");
-    add("--area", options->area, "W,S,E,N", "Area of use in degrees, where the file is tried");
-    add("--point", options->point, "COORDINATES",
-        "A point in the system to show; without it, the area's centre");
-    add_examples(
-        command,
+    command.add("--convention WORD", &options->convention, "What its rotations turn", conventions);
+    command.add("--reduction X,Y,Z", &options->reduction,
+                "Point that it turns about (Molodensky-Badekas), in metres");
+    command.add("--hub-towgs84 NUMBERS", &options->hubSet,
+                "From the Bessel datum to WGS84/ETRS89, in the same way");
+    command.add("--hub-convention WORD", &options->hubConvention, "Its convention", conventions);
+    command.add("--hub-reduction X,Y,Z", &options->hubReduction, "Its point");
+    command.add("--hub CODE", &options->hubCode,
+                "Or: the system of a data directory whose second column this is");
+    command.add("-d, --dir DIR", &options->directory, "The data directory");
+    command.add("--area W,S,E,N", &options->area, "Area of use in degrees, where the file is tried");
+    command.add("--point COORDINATES", &options->point,
+                "A point in the system to show; without it, the area's centre");
+    command.examples =
         "lagestatus import 303 -o data/system-42-83.tra --name \"System 42/83\" --kind Gauss-Krueger \\\n"
         "    --ellipsoid \"Krassowski 1940\" --strips 3 --x-0 500000 --convention position_vector \\\n"
-        "    --towgs84 24.9,-126.4,-93.2,-0.063,-0.247,-0.041,1.01 --hub 201 -d data");
-    command.callback([options, &exitStatus] { exitStatus = import_system(*options); });
+        "    --towgs84 24.9,-126.4,-93.2,-0.063,-0.247,-0.041,1.01 --hub 201 -d data";
+    command.run = [options] { return import_system(*options); };
+    return command;
 }
 
 }  // namespace cli

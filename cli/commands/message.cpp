@@ -21,18 +21,18 @@ int show_message(int status, const std::string& fileName) {
 
 }  // namespace
 
-void add_message(CLI::App& program, int& exitStatus) {
+Command message_command() {
     struct Options {
         int status = 0;
         std::string fileName;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("message", "Print the message for a status");
-    command.add_option("STATUS", options->status, "Status")->required();
-    command.add_option("NAME", options->fileName, "File that the failure concerns");
-    add_examples(command, "lagestatus message 12 my-system.tra");
-    command.callback(
-        [options, &exitStatus] { exitStatus = show_message(options->status, options->fileName); });
+    Command command{"message", "Print the message for a status"};
+    command.add("STATUS", &options->status, "Status", {.required = true});
+    command.add("NAME", &options->fileName, "File that the failure concerns");
+    command.examples = "lagestatus message 12 my-system.tra";
+    command.run = [options] { return show_message(options->status, options->fileName); };
+    return command;
 }
 
 }  // namespace cli

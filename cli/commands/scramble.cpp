@@ -139,32 +139,33 @@ int unscramble_file(const Options& options) {
     return allGood;
 }
 
-CLI::App& add_common(CLI::App& program, const char* name, const char* description, Options& options) {
-    CLI::App& command = *program.add_subcommand(name, description);
-    command.add_option("FILE", options.file, "Parameter file or height model (.ini)")->required();
-    command.add_option("-o,--output", options.output, "File to write; - is standard output")
-        ->type_name("FILE");
-    command.add_flag("--force", options.force, "Replace an existing file");
+Command common_command(const char* name, const char* summary, Options& options) {
+    Command command{name, summary};
+    command.add("FILE", &options.file, "Parameter file or height model (.ini)", {.required = true});
+    command.add("-o, --output FILE", &options.output, "File to write; - is standard output");
+    command.add("--force", &options.force, "Replace an existing file");
     return command;
 }
 
 }  // namespace
 
-void add_scramble(CLI::App& program, int& exitStatus) {
+Command scramble_command() {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_common(program, "scramble",
-                                   "Scramble a parameter file (.tra to .tr0) or a height model", *options);
-    command.add_option("--key", options->key, "Scrambling key, 1 or more")->required()->type_name("KEY");
-    add_examples(command, "lagestatus scramble data/my-system.tra --key 7");
-    command.callback([options, &exitStatus] { exitStatus = scramble_file(*options); });
+    Command command =
+        common_command("scramble", "Scramble a parameter file (.tra to .tr0) or a height model", *options);
+    command.add("--key KEY", &options->key, "Scrambling key, 1 or more", {.required = true});
+    command.examples = "lagestatus scramble data/my-system.tra --key 7";
+    command.run = [options] { return scramble_file(*options); };
+    return command;
 }
 
-void add_unscramble(CLI::App& program, int& exitStatus) {
+Command unscramble_command() {
     const auto options = std::make_shared<Options>();
-    CLI::App& command = add_common(
-        program, "unscramble", "Restore a scrambled parameter file (.tr0 to .tra) or height model", *options);
-    add_examples(command, "lagestatus unscramble data/my-system.tr0");
-    command.callback([options, &exitStatus] { exitStatus = unscramble_file(*options); });
+    Command command = common_command(
+        "unscramble", "Restore a scrambled parameter file (.tr0 to .tra) or height model", *options);
+    command.examples = "lagestatus unscramble data/my-system.tr0";
+    command.run = [options] { return unscramble_file(*options); };
+    return command;
 }
 
 }  // namespace cli

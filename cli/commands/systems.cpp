@@ -229,35 +229,34 @@ int show_system(const std::string& name, int code, bool asJson) {
 
 }  // namespace
 
-void add_list(CLI::App& program, int& exitStatus) {
+Command list_command() {
     struct Options {
         std::string directory = ".";
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("list", "List the systems of a data directory");
-    add_directory_option(command, options->directory);
-    command.add_flag("--json", options->json, "For programs: a JSON array");
-    add_examples(command, "lagestatus list -d data");
-    command.callback(
-        [options, &exitStatus] { exitStatus = list_systems(options->directory, options->json); });
+    Command command{"list", "List the systems of a data directory"};
+    command.add_directory(&options->directory);
+    command.add("--json", &options->json, "For programs: a JSON array");
+    command.examples = "lagestatus list -d data";
+    command.run = [options] { return list_systems(options->directory, options->json); };
+    return command;
 }
 
-void add_show(CLI::App& program, int& exitStatus) {
+Command show_command() {
     struct Options {
         std::string directory = ".";
         int code = 0;
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    CLI::App& command = *program.add_subcommand("show", "Show the description of one system");
-    command.add_option("CODE", options->code, "Lagestatus of the system")->required();
-    add_directory_option(command, options->directory);
-    command.add_flag("--json", options->json, "For programs: a JSON object");
-    add_examples(command, "lagestatus show 301 -d data");
-    command.callback([options, &exitStatus] {
-        exitStatus = show_system(options->directory, options->code, options->json);
-    });
+    Command command{"show", "Show the description of one system"};
+    command.add("CODE", &options->code, "Lagestatus of the system", {.required = true});
+    command.add_directory(&options->directory);
+    command.add("--json", &options->json, "For programs: a JSON object");
+    command.examples = "lagestatus show 301 -d data";
+    command.run = [options] { return show_system(options->directory, options->code, options->json); };
+    return command;
 }
 
 }  // namespace cli

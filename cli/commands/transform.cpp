@@ -277,86 +277,64 @@ int transform_points(const TransformOptions& options) {
 
 }  // namespace
 
-void add_transform(CLI::App& program, int& exitStatus) {
+Command transform_command() {
     const auto options = std::make_shared<TransformOptions>();
-    CLI::App& command = *program.add_subcommand(
+    Command command{
         "transform",
-        "Transform points, one a line: two coordinates, an optional height, and any other columns.\n"
+        "Transform points, one a line: two coordinates, an optional height, and any other columns."};
+    command.details =
         "Plane coordinates are northing and easting in metres, geographic ones latitude and longitude in "
-        "degrees,\n"
-        "geocentric ones X, Y, Z. The results stand in place of the coordinates, all else is passed through; "
-        "so are\n"
-        "empty lines and lines that begin with #. A line that fails keeps its row: its coordinates become *, "
-        "status\n"
-        "and message follow in a last column.");
-    command.add_option("--from", options->from, "Lagestatus of the source")->required()->type_name("CODE");
-    command.add_option("--to", options->to, "Lagestatus of the target")->required()->type_name("CODE");
-    add_directory_option(command, options->directory);
-    command
-        .add_option("FILE", options->files, "Files of points; standard input when there is none, or for -")
-        ->type_name("");
+        "degrees, geocentric ones X, Y, Z. The results stand in place of the coordinates, all else is passed "
+        "through; so are empty lines and lines that begin with #. A line that fails keeps its row: its "
+        "coordinates become *, status and message follow in a last column.";
+    command.add("--from CODE", &options->from, "Lagestatus of the source", {.required = true});
+    command.add("--to CODE", &options->to, "Lagestatus of the target", {.required = true});
+    command.add_directory(&options->directory);
+    command.add("FILE", &options->files, "Files of points; standard input when there is none, or for -");
 
-    CLI::Option_group& heights = *command.add_option_group("Heights");
-    heights.add_option("--height", options->height, "Heights given: e ellipsoidal, n normal heights")
-        ->check(CLI::IsMember({"e", "n"}, CLI::ignore_case))
-        ->capture_default_str()
-        ->type_name("");
-    heights.add_flag("--heights", options->heights,
-                     "One column more: the normal height (not for geocentric targets)");
+    command.group = "Heights";
+    command.add("--height e|n", &options->height, "Heights given: e ellipsoidal, n normal heights",
+                {.choices = {"e", "n"}, .meanings = {"E", "N"}});
+    command.add("--heights", &options->heights,
+                "One column more: the normal height (not for geocentric targets)");
 
-    CLI::Option_group& form = *command.add_option_group("Form of the lines");
-    const std::vector<std::pair<std::string, std::string>> delimiters = {
-        {"blank", " "}, {"tab", "\t"}, {"semicolon", ";"}, {"comma", ","}, {";", ";"}, {",", ","}};
-    form.add_option("--delimiter", options->delimiter,
-                    "Between columns: blank (any number of blanks and tabs), tab, semicolon or comma. "
-                    "Without it each "
-                    "file's first point tells")
-        ->transform(CLI::Transformer(delimiters))
-        ->check(CLI::IsMember({" ", "\t", ";", ","}))
-        ->type_name("NAME");
-    form.add_option(
-            "--columns", options->columns,
-            "Columns of northing, easting and height, or of the first two alone, from 1 (1,2,3, the third if "
-            "it looks like a number)")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->check(CLI::Range(1, 10000))
-        ->type_name("N,N[,N]");
-    form.add_flag("--decimal-comma", options->decimalComma, "Numbers have a decimal comma");
-    form.add_flag(
-        "--header", options->header,
+    command.group = "Form of the lines";
+    command.add("--delimiter NAME", &options->delimiter,
+                "Between columns: blank (any number of blanks and tabs), tab, semicolon or comma. Without it "
+                "each file's first point tells",
+                {.choices = {"blank", "tab", "semicolon", "comma"}, .meanings = {" ", "\t", ";", ","}});
+    command.add("--columns N,N[,N]", &options->columns,
+                "Columns of northing, easting and height, or of the first two alone, from 1 (1,2,3, the "
+                "third if it looks like a number)",
+                {.smallest = 1, .largest = 10000});
+    command.add("--decimal-comma", &options->decimalComma, "Numbers have a decimal comma");
+    command.add(
+        "--header", &options->header,
         "The first line of a file names its columns; the names of the coordinates become the new ones");
-    form.add_flag("--label", options->label, "Begin with a comment that names the columns");
-    form.add_flag(
-        "--latin1", options->latin1,
+    command.add("--label", &options->label, "Begin with a comment that names the columns");
+    command.add(
+        "--latin1", &options->latin1,
         "Names and messages are added in ISO 8859-1, for files in it or in Windows-1252; else in UTF-8");
-    form.add_flag("--swap", options->swap, "Easting before northing, longitude before latitude: in and out");
-    form.add_flag("--swap-input", options->swapInput, "The same for the input alone");
-    form.add_flag("--swap-output", options->swapOutput, "The same for the output alone");
-    form.add_flag("--dms", options->withSeconds,
-                  "Write degrees, minutes and seconds; they are read in any case");
-    form.add_option(
-            "--precision", options->precision,
-            "Decimals of metres, and of degrees (or seconds with --dms) if five (one) more do not suit")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->check(CLI::Range(0, 15))
-        ->type_name("M[,D]");
+    command.add("--swap", &options->swap, "Easting before northing, longitude before latitude: in and out");
+    command.add("--swap-input", &options->swapInput, "The same for the input alone");
+    command.add("--swap-output", &options->swapOutput, "The same for the output alone");
+    command.add("--dms", &options->withSeconds,
+                "Write degrees, minutes and seconds; they are read in any case");
+    command.add("--precision M[,D]", &options->precision,
+                "Decimals of metres, and of degrees (or seconds with --dms) if five (one) more do not suit",
+                {.largest = 15});
 
-    CLI::Option_group& run = *command.add_option_group("The run");
-    run.add_option("-o,--output", options->output,
-                   "Write to a file, which appears under its name when it is complete")
-        ->type_name("FILE");
-    run.add_option("-j,--jobs", options->jobs, "Threads (all cores)")
-        ->check(CLI::Range(std::size_t{1}, mostJobs))
-        ->type_name("N");
-    run.add_flag("-q,--quiet", options->quiet, "No progress bar and no warnings");
-    add_examples(
-        command,
+    command.group = "The run";
+    command.add("-o, --output FILE", &options->output,
+                "Write to a file, which appears under its name when it is complete");
+    command.add("-j, --jobs N", &options->jobs, "Threads (all cores)", {.smallest = 1, .largest = mostJobs});
+    command.add("-q, --quiet", &options->quiet, "No progress bar and no warnings");
+    command.examples =
         "lagestatus transform --from 103 --to 203 -d data points.txt\n"
         "lagestatus transform --from 103 --to 201 -d data --columns 2,3,4 --header -o new.csv points.csv\n"
-        "lagestatus transform --from 103 --to 203 -d data --height n --heights --label < points.txt");
-    command.callback([options, &exitStatus] { exitStatus = transform_points(*options); });
+        "lagestatus transform --from 103 --to 203 -d data --height n --heights --label < points.txt";
+    command.run = [options] { return transform_points(*options); };
+    return command;
 }
 
 }  // namespace cli

@@ -1,69 +1,90 @@
-// What the program holds of itself: one view of its commands, for the help, the manual and the completions.
+// What the program holds of itself: its commands, what each takes and does. The parser, the help, the manual and the
+// completions are all made from this.
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <array>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace cli {
 
-// An option of a command, or one of its positional arguments.
-struct Argument {
-    std::vector<std::string> names;    // with their hyphens; none for a positional argument
-    std::string value;                 // what stands for its value; empty for a flag
-    std::vector<std::string> choices;  // where its values are a fixed set
-    std::string description;           // with choices and default
-    std::string group;                 // the heading that it stands under, if it has one of its own
-    bool required = false;
-    bool repeats = false;
-    bool isHelp = false;
+// Where a value goes. A bool is set by a flag; a list is given with commas, but as an argument without a name it is all
+// that is left.
+using Target = std::variant<bool*, int*, std::size_t*, std::string*, std::vector<int>*,
+                            std::vector<std::size_t>*, std::vector<std::string>*>;
 
-    [[nodiscard]] bool is_positional() const { return names.empty(); }
-    // Whether its value is a DIR, a FILE (or FILE.tra) or a CODE.
-    [[nodiscard]] bool takes(std::string_view kind) const;
-    // "-d, --dir DIR", or the name of a positional argument.
-    [[nodiscard]] std::string heading() const;
+// What a value must be.
+struct Rules {
+    bool required = false;
+    std::vector<std::string> choices = {};
+    std::vector<std::string> meanings = {};  // of the choices, taken as well; none: the choices themselves
+    int smallest = 0;
+    int largest = 0;  // of a number; 0: no limits
 };
 
-// In the order of their definition, the help last.
-std::vector<Argument> arguments_of(const CLI::App& command);
-std::vector<Argument> options_of(const CLI::App& command);
-std::vector<Argument> positionals_of(const CLI::App& command);
+// An option of a command, or an argument that goes by its place.
+struct Argument {
+    std::string heading;             // "-d, --dir DIR", or "CODE" by its place
+    std::string description;         // with choices, limits and default
+    std::string group;               // where it stands in the help; empty: among the options
+    std::vector<std::string> names;  // with their hyphens; none for an argument by its place
+    std::string value;               // what stands for its value; empty for a flag
+    Target target;
+    Rules rules;
 
-std::vector<const CLI::App*> commands_of(const CLI::App& program);
+    [[nodiscard]] bool repeats() const;
+};
 
-// What a command does, in a line; and what else there is to say.
-std::string summary_of(const CLI::App& command);
-std::string details_of(const CLI::App& command);
+struct Command {
+    std::string name;
+    std::string summary;  // a line
+    std::string details = {};
+    std::string examples = {};             // one a line; a line that goes on ends in a backslash
+    std::function<int()> run = {};         // returned: the exit status
+    std::vector<Argument> arguments = {};  // without the help
+    std::string group = {};                // of the options that are added from here on
+    std::vector<Command> commands = {};    // of the program itself
 
-// The words behind a command's name: "CODE [OPTIONS]".
-std::vector<std::string> usage_of(const CLI::App& command);
+    // Adds an option or argument by its heading. A text that is there already is the default.
+    void add(const std::string& heading, Target target, const std::string& description, Rules rules = {});
+
+    // The option -d, --dir.
+    void add_directory(std::string* directory);
+
+    // Null if there is none.
+    [[nodiscard]] const Command* find(std::string_view command) const;
+
+    // The options, the help last.
+    [[nodiscard]] std::vector<Argument> options() const;
+    [[nodiscard]] std::vector<Argument> positionals() const;
+
+    // The words behind its name, a blank ahead of each: " [OPTIONS] CODE".
+    [[nodiscard]] std::string usage() const;
+};
 
 std::string joined(const std::vector<std::string>& parts, std::string_view separator);
 
 // A text in lines of at most 80 columns, from the second one on indented; where the first has begun already, its width
 // is given.
-std::string wrapped(std::string_view text, std::size_t indent, std::size_t begun);
+std::string wrapped(const std::string& text, std::size_t indent, std::size_t begun);
 
-struct ExitStatus {
-    int status;
-    std::string_view meaning;
-};
-extern const std::array<ExitStatus, 3> exitStatuses;
+// "Example:" or "Examples:".
+std::string examples_heading(const Command& command);
 
-// Texts of the help, for lines of 80 columns.
-class HelpFormatter : public CLI::FormatterBase {
-  public:
-    std::string make_help(const CLI::App* command, std::string name, CLI::AppFormatMode mode) const override;
-};
+// The help of a command, or of the program, as it is called.
+std::string help_text(const Command& command, const std::string& name);
 
 // The manual page as roff with the man macros.
-std::string manual_page(const CLI::App& program, std::string_view version);
+std::string manual_page(const Command& program);
 
-// A completion script for a shell: bash, zsh or fish.
-std::string completion_script(const CLI::App& program, std::string_view shell);
+// A completion script for a shell: bash, zsh or fish. It asks the program at every word.
+std::string_view completion_script(std::string_view shell);
+
+// Prints what may stand in the place of the last of the words behind the program's name, also what it does not begin
+// with: "WORD" or "WORD<tab>DESCRIPTION" in a line each; ":directories" or ":files" where the shell knows.
+void complete(const Command& program, std::vector<std::string> words);
 
 }  // namespace cli
