@@ -4,8 +4,9 @@
 #include <utility>
 
 #include "help/description.h"
-#include "keeper/library.h"
+#include "keeper/data_directory.h"
 #include "system/output.h"
+#include "system/platform.h"
 
 namespace cli {
 namespace {
@@ -15,12 +16,14 @@ void offer(const std::string& word, const std::string& description) {
 }
 
 // The systems of a data directory and their names; none where there is no directory.
-std::vector<std::pair<std::string, std::string>> codes_of(const std::string& directory) {
+std::vector<std::pair<std::string, std::string>> codes_of(const std::string& name) {
     std::vector<std::pair<std::string, std::string>> codes;
-    const Definition definition = read_definition(directory);
-    for (const Entry& entry : definition.entries) {
+    DataDirectory directory;
+    directory.bytes = directory_bytes(name).value_or(name);
+    (void)read_definition_file(directory.bytes, directory.definition);
+    for (const DefinitionEntry& entry : directory.entries()) {
         codes.emplace_back(std::to_string(entry.code),
-                           read_system(directory, definition, entry, Role::source).name);
+                           read_system(directory, entry, Column::intoBessel).name());
     }
     return codes;
 }
