@@ -59,7 +59,7 @@ int run(std::vector<std::string> arguments) {
     Command program{
         "lagestatus",
         "Carries points between the coordinate systems (Lagestatus) of the German state surveys."};
-    program.arguments = {{"--version", "Print the version", "", {"--version"}, "", {}, {}}};
+    program.add("--version", Target(), "Print the version");
     program.examples =
         "lagestatus list -d data\n"
         "lagestatus transform --from 103 --to 203 -d data points.txt";
@@ -94,7 +94,7 @@ int run(std::vector<std::string> arguments) {
         std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
         parser.parse(std::move(arguments));
     } catch (const CLI::CallForHelp&) {
-        put(help_text(*called(), called() == &program ? program.name : program.name + " " + called()->name));
+        put(help_text(program, *called()));
         return allGood;
     } catch (const CLI::ParseError& error) {
         return parser.exit(error) == 0 ? allGood : nothingDone;

@@ -1,5 +1,5 @@
-// The commands of the program. Each function makes one of them, with what it takes, its help and an example. Completions
-// go by the names of values: DIR the data directory, FILE a file, CODE a system of the data directory.
+// The commands of the program. Each function makes one of them, with what it takes, its help and an example.
+// Completions go by the names of values: DIR the data directory, FILE a file, CODE a system of the data directory.
 #pragma once
 
 #include <array>

@@ -15,7 +15,7 @@ void offer(const std::string& word, const std::string& description) {
     put(word + (description.empty() ? "" : "\t") + description + '\n');
 }
 
-// The systems of a data directory and their names; none where there is no directory.
+// The systems of a data directory and their names; none if it cannot be read.
 std::vector<std::pair<std::string, std::string>> codes_of(const std::string& name) {
     std::vector<std::pair<std::string, std::string>> codes;
     DataDirectory directory;
@@ -45,38 +45,36 @@ void offer_values(const Argument& argument, const std::string& before, const std
     }
 }
 
-bool is_option(const std::string& word) {
-    return word.size() > 1 && word.starts_with('-');
-}
-
-// An option's word: its name, and where its value begins if that is part of it as in --dir=DIR or -dDIR, else 0.
+// A word as an option that takes a value.
 struct OptionWord {
-    const Argument* option;  // null if it is none that takes a value
-    std::size_t valueBegin;
+    const Argument* option;  // null if it is none
+    std::size_t valueBegin;  // where it is part of the word, as in --dir=DIR or -dDIR; else 0
 };
 
 OptionWord option_word(const std::vector<Argument>& options, const std::string& word) {
-    const std::size_t nameEnd = word.starts_with("--") ? word.find('=') : 2;
+    const bool isLong = word.starts_with("--");
+    const std::size_t nameEnd = isLong ? word.find('=') : 2;
     const std::string name = word.substr(0, nameEnd);
     const auto option = std::find_if(options.begin(), options.end(), [&name](const Argument& each) {
         return std::find(each.names.begin(), each.names.end(), name) != each.names.end();
     });
     return {option != options.end() && !option->value.empty() ? &*option : nullptr,
-            nameEnd >= word.size() ? 0 : nameEnd + (word[nameEnd] == '=' ? 1 : 0)};
+            nameEnd >= word.size() ? 0 : nameEnd + (isLong ? 1 : 0)};
 }
 
 constexpr std::string_view bashScript = R"sh(# Completion for bash, made by: lagestatus completion bash
 
 _lagestatus() {
-    local words=("${COMP_WORDS[@]:0:COMP_CWORD+1}") word
+    local word words=("${COMP_WORDS[@]:0:COMP_CWORD+1}")
     words=("${words[@]//[\\\"\']/}")
     words=("${words[@]/#~\//$HOME/}")
+    local current=${words[COMP_CWORD]#=} # --dir=data is three words
     COMPREPLY=()
     while IFS=$'\t' read -r word _; do
         case $word in
         :directories) compopt -o dirnames 2>/dev/null ;;
         :files) compopt -o default 2>/dev/null ;;
-        "${words[COMP_CWORD]#=}"*) COMPREPLY+=("$word") ;; # --dir=data is three words
+        "$current"*) COMPREPLY+=("$word") ;;
         esac
     done < <("${words[0]}" complete "${words[@]:1}" 2>/dev/null)
 }
@@ -120,7 +118,7 @@ function __lagestatus_complete
     for each in ($line[1] complete $line[2..-1] "$current" 2>/dev/null)
         switch $each
             case :directories
-                printf '%s\n' "$before"(__fish_complete_directories $value '')
+                printf '%s\n' "$before"(__fish_complete_directories $value)
             case :files
                 printf '%s\n' "$before"(complete -C "'' $value")
             case '*'
@@ -158,7 +156,7 @@ void complete(const Command& program, std::vector<std::string> words) {
         }
         if (awaiting != nullptr) {
             take(*std::exchange(awaiting, nullptr), word);
-        } else if (is_option(word)) {
+        } else if (word.size() > 1 && word.starts_with('-')) {
             const auto [option, valueBegin] = option_word(options, word);
             if (option != nullptr && valueBegin != 0) {
                 take(*option, word.substr(valueBegin));
@@ -173,22 +171,19 @@ void complete(const Command& program, std::vector<std::string> words) {
             return;
         }
     }
-    if (awaiting != nullptr) {
-        offer_values(*awaiting, "", directory);
-        return;
-    }
-    if (is_option(current)) {
-        const auto [option, valueBegin] = option_word(options, current);
-        if (option != nullptr && valueBegin != 0) {
-            offer_values(*option, current.substr(0, valueBegin), directory);
-            return;
-        }
+    std::string before;
+    if (const auto [option, valueBegin] = option_word(options, current);
+        awaiting == nullptr && valueBegin != 0) {
+        awaiting = option;
+        before = current.substr(0, valueBegin);
     }
     const std::vector<Argument> positionals = command->positionals();
     if (!positionals.empty() && positionals.back().repeats()) {
         place = std::min(place, positionals.size() - 1);
     }
-    if (current.starts_with('-') || (command != &program && place >= positionals.size())) {
+    if (awaiting != nullptr) {
+        offer_values(*awaiting, before, directory);
+    } else if (current.starts_with('-') || (command != &program && place >= positionals.size())) {
         for (const Argument& option : options) {
             for (const std::string& name : option.names) {
                 offer(name, option.description);

@@ -158,7 +158,8 @@ std::string examples_heading(const Command& command) {
     return command.examples.find('\n') == std::string::npos ? "Example:" : "Examples:";
 }
 
-std::string help_text(const Command& command, const std::string& name) {
+std::string help_text(const Command& program, const Command& command) {
+    const std::string name = program.name + (&command == &program ? "" : " " + command.name);
     std::string text = wrapped(command.summary, 0, 0) + '\n';
     if (!command.details.empty()) {
         text += '\n' + wrapped(command.details, 0, 0) + '\n';

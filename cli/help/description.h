@@ -74,8 +74,8 @@ std::string wrapped(const std::string& text, std::size_t indent, std::size_t beg
 // "Example:" or "Examples:".
 std::string examples_heading(const Command& command);
 
-// The help of a command, or of the program, as it is called.
-std::string help_text(const Command& command, const std::string& name);
+// The help of a command, or of the program itself.
+std::string help_text(const Command& program, const Command& command);
 
 // The manual page as roff with the man macros.
 std::string manual_page(const Command& program);

@@ -11,7 +11,7 @@
 namespace cli {
 namespace {
 
-constexpr std::string_view description = R"(.SH DESCRIPTION
+constexpr std::string_view introduction = R"(.SH DESCRIPTION
 The program carries points from one coordinate system to another, and looks
 after the data files that describe the systems. A system is named by its code,
 its Lagestatus: a number such as 103.
@@ -103,7 +103,7 @@ std::string tagged(const std::string& tag, std::string_view text) {
 }
 
 // What a user types is bold, what stands for something else in capitals is italic.
-std::string usage(const std::string& name, const Command& command) {
+std::string usage_line(const std::string& name, const Command& command) {
     std::string roff = bold(name);
     std::string part;
     for (const char byte : command.usage() + '\n') {
@@ -120,7 +120,7 @@ std::string usage(const std::string& name, const Command& command) {
     return roff;
 }
 
-std::string arguments(const std::vector<Argument>& all) {
+std::string argument_list(const std::vector<Argument>& all) {
     std::string roff;
     std::string group;
     for (const Argument& argument : all) {
@@ -141,7 +141,7 @@ std::string arguments(const std::vector<Argument>& all) {
     return roff;
 }
 
-std::string examples(const Command& command) {
+std::string example_lines(const Command& command) {
     std::istringstream lines(command.examples);
     std::string roff = ".RS 4\n.nf\n";
     for (std::string line; std::getline(lines, line);) {
@@ -154,9 +154,9 @@ std::string command_section(const Command& program, const Command& command) {
     std::string text = command.summary + (command.summary.ends_with('.') ? " " : ". ");
     std::vector<Argument> options = command.options();
     options.pop_back();  // the help, which all have
-    return ".SS " + escaped(command.name) + '\n' + usage(program.name + ' ' + command.name, command) +
-           ".PP\n" + text_lines(text + command.details) + arguments(command.positionals()) +
-           arguments(options) + ".PP\n" + examples_heading(command) + '\n' + examples(command);
+    return ".SS " + escaped(command.name) + '\n' + usage_line(program.name + ' ' + command.name, command) +
+           ".PP\n" + text_lines(text + command.details) + argument_list(command.positionals()) +
+           argument_list(options) + ".PP\n" + examples_heading(command) + '\n' + example_lines(command);
 }
 
 }  // namespace
@@ -169,17 +169,17 @@ std::string manual_page(const Command& program) {
     page += ".SH NAME\n" + text_lines(program.name + " - " + summary);
     page += ".SH SYNOPSIS\n.nf\n";
     for (const Command& command : program.commands) {
-        page += usage(program.name + ' ' + command.name, command);
+        page += usage_line(program.name + ' ' + command.name, command);
     }
     page += bold(program.name) + " [" + bold("--help") + "] [" + bold("--version") + "]\n.fi\n";
-    page += description;
-    page += ".SH OPTIONS\n" + arguments(program.options()) + ".PP\n" +
+    page += introduction;
+    page += ".SH OPTIONS\n" + argument_list(program.options()) + ".PP\n" +
             text_lines("Every command has the option --help as well.");
     page += ".SH COMMANDS\n";
     for (const Command& command : program.commands) {
         page += command_section(program, command);
     }
-    page += ".SH EXAMPLES\n" + examples(program) + ".SH EXIT STATUS\n";
+    page += ".SH EXAMPLES\n" + example_lines(program) + ".SH EXIT STATUS\n";
     for (std::size_t status = 0; status < exitMeanings.size(); ++status) {
         page += tagged(bold(std::to_string(status)), exitMeanings[status]);
     }
