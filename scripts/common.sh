@@ -108,14 +108,19 @@ use_wine() {
 in_wine() { env LOCPATH="$locales" LC_ALL=el_GR.UTF-8 LAGESTATUS_CODE_PAGE=1253 "$@"; }
 stop_wine() { wineserver --kill || true; }
 
-# Configures and builds a preset, quietly unless it fails; further arguments go to the configuration.
-build() {
+# Runs a command, quietly unless it fails.
+quietly() {
     local log
     log=$(mktemp)
-    if ! { cmake --preset "$@" && cmake --build --preset "$1"; } >"$log" 2>&1; then
+    if ! "$@" >"$log" 2>&1; then
         cat "$log" >&2
         rm -f "$log"
         return 1
     fi
     rm -f "$log"
+}
+
+# Configures and builds a preset; further arguments go to the configuration.
+build() {
+    quietly cmake --preset "$@" && quietly cmake --build --preset "$1"
 }
