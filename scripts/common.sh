@@ -16,7 +16,15 @@ scalePackages=(parallel openssh-server openssh-client)
 
 windowsCompiler=x86_64-w64-mingw32-gcc-posix
 
-step() { printf '== %s\n' "$*"; }
+# The heading of a step, with the seconds since the script began.
+step() { printf '== %d s: %s\n' "$SECONDS" "$*"; }
+# Runs a command and tells how long it took.
+timed() {
+    local start=$SECONDS status=0
+    "$@" || status=$?
+    printf '==== %s: %d s%s\n' "$*" $((SECONDS - start)) "$([ $status = 0 ] || echo ", failed")"
+    return $status
+}
 fail() {
     echo "$*" >&2
     exit 1
@@ -65,6 +73,12 @@ need() {
 need_clang_with_runtime() {
     need clang
     compgen -G "$(clang -print-resource-dir)/lib/*/libclang_rt.profile*" >/dev/null || need libclang-rt-dev
+}
+
+# From now on compilers keep what they make in a cache: builds with the same flags share it, and so do later runs.
+use_ccache() {
+    need ccache
+    export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
 }
 
 # Unpacks the source of a package of the distribution into build/sources, for what must be built for another system.
@@ -121,6 +135,7 @@ quietly() {
 }
 
 # Configures and builds a preset; further arguments go to the configuration.
-build() {
-    quietly cmake --preset "$@" && quietly cmake --build --preset "$1"
-}
+build() { quietly cmake --preset "$@" && quietly cmake --build --preset "$1"; }
+
+# The same for some targets of a preset.
+build_targets() { quietly cmake --preset "$1" && quietly cmake --build --preset "$1" --target "${@:2}"; }
