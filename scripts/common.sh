@@ -16,7 +16,15 @@ scalePackages=(parallel openssh-server openssh-client)
 
 windowsCompiler=x86_64-w64-mingw32-gcc-posix
 
-step() { printf '== %s\n' "$*"; }
+# The heading of a step, with the seconds since the script began.
+step() { printf '== %d s: %s\n' "$SECONDS" "$*"; }
+# Runs a command and tells how long it took.
+timed() {
+    local start=$SECONDS status=0
+    "$@" || status=$?
+    printf '==== %s: %d s%s\n' "$*" $((SECONDS - start)) "$([ $status = 0 ] || echo ", failed")"
+    return $status
+}
 fail() {
     echo "$*" >&2
     exit 1
@@ -67,6 +75,12 @@ need_clang_with_runtime() {
     compgen -G "$(clang -print-resource-dir)/lib/*/libclang_rt.profile*" >/dev/null || need libclang-rt-dev
 }
 
+# From now on compilers keep what they make in a cache: builds with the same flags share it, and so do later runs.
+use_ccache() {
+    need ccache
+    export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+}
+
 # Unpacks the source of a package of the distribution into build/sources, for what must be built for another system.
 unpack_source() {
     local name=$1 lists distribution folder
@@ -108,14 +122,20 @@ use_wine() {
 in_wine() { env LOCPATH="$locales" LC_ALL=el_GR.UTF-8 LAGESTATUS_CODE_PAGE=1253 "$@"; }
 stop_wine() { wineserver --kill || true; }
 
-# Configures and builds a preset, quietly unless it fails; further arguments go to the configuration.
-build() {
+# Runs a command, quietly unless it fails.
+quietly() {
     local log
     log=$(mktemp)
-    if ! { cmake --preset "$@" && cmake --build --preset "$1"; } >"$log" 2>&1; then
+    if ! "$@" >"$log" 2>&1; then
         cat "$log" >&2
         rm -f "$log"
         return 1
     fi
     rm -f "$log"
 }
+
+# Configures and builds a preset; further arguments go to the configuration.
+build() { quietly cmake --preset "$@" && quietly cmake --build --preset "$1"; }
+
+# The same for some targets of a preset.
+build_targets() { quietly cmake --preset "$1" && quietly cmake --build --preset "$1" --target "${@:2}"; }
