@@ -70,12 +70,12 @@ class Composer {
     void compose(std::string_view line, const Fields& fields, const Texts& texts, bool hasNormal,
                  std::string_view reason) {
         // The fields in the order in which they stand; those that the line lacks behind them.
-        const auto begin_of = [&](std::size_t part) {
+        const auto beginOf = [&](std::size_t part) {
             return fields[part] ? fields[part]->begin : std::string_view::npos;
         };
         std::array<std::size_t, 3> order = {0, 1, 2};
         std::sort(order.begin(), order.end(),
-                  [&](std::size_t a, std::size_t b) { return begin_of(a) < begin_of(b); });
+                  [&](std::size_t a, std::size_t b) { return beginOf(a) < beginOf(b); });
         std::size_t done = 0;
         std::size_t place = 0;
         for (; place < order.size() && fields[order[place]]; ++place) {
