@@ -15,7 +15,6 @@
 #include "base/angles.h"
 #include "base/int_cast.h"
 #include "geodesy/plane_reductions.h"
-#include "engine/plane_systems.h"
 #include "projections_as_written.h"
 #include "support.h"
 
@@ -202,45 +201,6 @@ TEST(Projections, HoldEveryBitOfTheFormulas) {
     }
 }
 
-// The library decides by quick coordinates that a pass does not end the loop: it must end in the same one wherever
-// the tolerance lies, closest to the change of a pass above all.
-TEST(Projections, EndInTheSamePassWhateverTheTolerance) {
-    std::mt19937_64 random(7);
-    const auto between = [&random](double low, double high) {
-        return std::uniform_real_distribution<double>(low, high)(random);
-    };
-    int edges = 0;
-    for (int number = 0; number < 60; ++number) {
-        const double a = 6377397.155 * std::exp(number % 7 == 3 ? between(-20, 20) : 0);
-        Call call = {a,
-                     a * (number % 4 == 1 ? between(0.93, 1) : 0.99665),
-                     between(-1.55, 1.55),
-                     number % 2 == 0 ? between(-1, 1) : between(-0.07, 0.07),
-                     0,
-                     0};
-        const auto at = [&](double tolerance) {
-            call.tol.coord = tolerance;
-            const Outcome expected = outcome(routines[0], true, call);
-            EXPECT_EQ(outcome(routines[0], false, call), expected) << ::testing::PrintToString(tolerance);
-            return expected;
-        };
-        double low = a * 1e-19;
-        for (double high = low * 3; low < 2 * a; low = high, high *= 3) {
-            const Outcome expected = at(low);
-            if (at(high) == expected) {
-                continue;
-            }
-            ++edges;
-            double left = low;
-            for (double right = high, middle = (left + right) / 2; left < middle && middle < right;
-                 middle = (left + right) / 2) {
-                (at(middle) == expected ? left : right) = middle;
-            }
-        }
-    }
-    EXPECT_GT(edges, 100);
-}
-
 TEST(Projections, FailWithTheStatusOfTheirLoop) {
     std::map<int, int> met;
     for (const Row& row : rows("projection_statuses.tsv")) {
@@ -287,73 +247,6 @@ TEST(PlaneReductions, GoThereAndBack) {
         EXPECT_DOUBLE_EQ(written.easting, number(5));
         EXPECT_DOUBLE_EQ(written.northing, number(6));
     }
-}
-
-// The whole way of a plane system, with every reduction and layout, bit for bit.
-TEST(PlaneSystems, HoldEveryBitOfTheFormulas) {
-    std::mt19937_64 random(31467);  // any number: the cases must repeat
-    const auto between = [&random](double low, double high) {
-        return std::uniform_real_distribution<double>(low, high)(random);
-    };
-    const auto any_of = [&random](std::initializer_list<double> values) {
-        return values.begin()[random() % values.size()];
-    };
-    std::map<int, int> met;
-    for (int number = 0; number < 8000; ++number) {
-        ParameterArray p = parameters();
-        std::tie(p[slot::semiMajorAxis], p[slot::semiMinorAxis]) =
-            std::pair(ellipsoids[number % 3].axes().a, ellipsoids[number % 3].axes().b);
-        p[slot::latitudeOfOrigin] = any_of({0, 0.87, between(-1, 1)});
-        p[slot::longitudeOfOrigin] = any_of({600.3, 417.6, 603.3, 9, 0, 13.5, 361.2, 600.04});
-        p[slot::decadicComplement] = any_of({0, 0, 1e6, 1e7, -1e5});
-        p[slot::meridianScale] = any_of({1, 0.9996, between(0.9, 1.1)});
-        for (const auto s :
-             {slot::shiftY, slot::shiftX, slot::secondShiftY, slot::secondShiftX, slot::planeRotation}) {
-            p[s] =
-                number % 2 == 0 ? 0 : any_of({0, between(-2, 2) * (s == slot::planeRotation ? 0.01 : 1000)});
-        }
-        p[slot::additiveY] = any_of({0, 500000, 40000});
-        p[slot::additiveX] = any_of({0, 10000, -5e6});
-        p[slot::originY] = between(-1e5, 1e5);
-        p[slot::originX] = between(-1e5, 1e5);
-        p[slot::planeScale] = any_of({1, between(0.999, 1.001)});
-        const bool soldner = number % 4 == 1;
-        double phi = between(0.8, 0.98);
-        double lam = between(-0.3, 0.6);
-        double X = between(5e6, 6e6) - p[slot::latitudeOfOrigin] * 6.37e6;
-        double Y =
-            p[slot::additiveY] + between(-2e5, 2e5) + (soldner ? 0 : 1e6 * static_cast<double>(random() % 6));
-        int zone = static_cast<int>(random() % 60) - 5;
-        if (number % 5 == 0) {
-            double* const places[] = {&p[random() % 14], &p[slot::longitudeOfOrigin], &phi, &lam, &X, &Y};
-            *places[random() % std::size(places)] = any_of(
-                {0, -0.0, 1, 1e9, 1e300, -infinity, notANumber, 2147483648.3, 1e-320, p[slot::additiveY]});
-        }
-        const Side side(soldner ? "Soldner" : "Gauss-Krueger", "", p, zone);
-        const auto bits = [](int status, double first, double second) {
-            return std::tuple(status, std::bit_cast<std::uint64_t>(first),
-                              std::bit_cast<std::uint64_t>(second));
-        };
-        Geographic there = {untouched, untouched, untouched};
-        double phiWritten = untouched, lamWritten = untouched;
-        int status = plane_to_geographic(side, {X, Y, 7}, there);
-        const int written = as_written::plane_to_geo(soldner, p.data(), X, Y, phiWritten, lamWritten);
-        ASSERT_EQ(bits(status, there.phi, there.lam), bits(written, phiWritten, lamWritten)) << number;
-        ++met[status];
-
-        Point back = {untouched, untouched, untouched};
-        double xWritten = untouched, yWritten = untouched;
-        const int expected = as_written::geo_to_plane(soldner, p.data(), zone, phi, lam, xWritten, yWritten);
-        if (!soldner && side.zones.has_no_zones()) {
-            EXPECT_EQ(expected, 14);
-            continue;
-        }
-        status = geographic_to_plane(side, {phi, lam, 7}, back);
-        ASSERT_EQ(bits(status, back[0], back[1]), bits(expected, xWritten, yWritten)) << number;
-        ++met[status];
-    }
-    EXPECT_GT(met[0], 12000);
-    EXPECT_GT(met[14] * met[206] * met[304] * met[403] * met[501], 0);
 }
 
 }  // namespace
