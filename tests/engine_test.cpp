@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "base/angles.h"
+#include "engine/side.h"
 #include "geodesy/datum_step.h"
 #include "geodesy/geocentric.h"
 #include "support.h"
@@ -159,6 +160,24 @@ TEST(Sample, AgreesWithProj) {
     EXPECT_LT(worstSoldner.get(), tolSoldner);
     RecordProperty("worst_nm", std::to_string(worst.get() * 1e9));
     RecordProperty("soldner_nm", std::to_string(worstSoldner.get() * 1e9));
+}
+
+TEST(Side, KeepsADatumStepOfTheSameBits) {
+    for (const auto& [base, code] :
+         {std::pair("etrs89-geozentrisch", 202), std::pair("dhdn-geozentrisch", 102)}) {
+        for (const auto& [role, asRead] :
+             {std::pair(Side::source, Role::source), std::pair(Side::target, Role::target)}) {
+            const Description system = describe(asRead, SAMPLE_DIR, base, 0, code);
+            const Parameters p(system.parameters.data(), parameterCount);
+            const Side side(role, system.kind, system.ellipsoid, p);
+            const Side kept(role, system.kind, system.ellipsoid, p, 0, true);
+            EXPECT_EQ(kept.datumStep.has_value(), code == 202);
+            const Geocentric left = side.through_datum({3783000, 900000, 5038000});
+            const Geocentric right = kept.through_datum({3783000, 900000, 5038000});
+            EXPECT_TRUE(same_bits(std::array{left.x, left.y, left.z}, std::array{right.x, right.y, right.z}));
+            EXPECT_EQ(left.x != 3783000, code == 202);
+        }
+    }
 }
 
 TEST(Sample, SystemsCloseThereAndBack) {

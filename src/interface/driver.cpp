@@ -23,8 +23,9 @@ Status read_system(const DefinitionRecord& definition, int code, Column column, 
                                description);
 }
 
-Side side_of(const SystemDescription& system) noexcept {
-    return {system.projectionKind.view(), system.ellipsoidName.view(), system.parameters, system.zoneNumber};
+Side side_of(Side::Role role, const SystemDescription& system) noexcept {
+    return {role, system.projectionKind.view(), system.ellipsoidName.view(), system.parameters,
+            system.zoneNumber};
 }
 
 }  // namespace
@@ -49,8 +50,8 @@ Status run_driver(const Point& point, int sourceCode, int targetCode, std::strin
         read != status::ok) {
         return read;
     }
-    const Side sourceSide = side_of(source);
-    const Side targetSide = side_of(target);
+    const Side sourceSide = side_of(Side::source, source);
+    const Side targetSide = side_of(Side::target, target);
     const bool normalHeight = heightMode == 'N' || heightMode == 'n';
     const HeightFlags heights = {
         .sourceIsNormal = normalHeight && sourceSide.kind != ProjectionKind::geocentric,
