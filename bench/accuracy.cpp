@@ -30,11 +30,6 @@ namespace {
 
 using lagestatus::degree;
 
-constexpr double tolSeries = 1e-12;  // as in plane_systems.cpp
-constexpr double tolAngle = 1e-10;
-constexpr double tolLength = 1e-4;
-constexpr double tolCoord = 1e-4;
-
 constexpr double lat0 =
     50.0;  // origin of the Soldner systems; Gauss-Krueger northings count from the equator
 constexpr double lon0 = 9.0;
@@ -54,13 +49,15 @@ constexpr std::array<const char*, routineCount> routineNames = {
 struct Ellipsoid {
     Ellipsoid(double semiMajor, double inverseFlattening)
         : a(semiMajor),
-          b(a * (1 - 1 / inverseFlattening)),
+          fromEquator({a, a * (1 - 1 / inverseFlattening)}, 0.0, {}, true),
+          fromOrigin({fromEquator.a, fromEquator.b}, phi0, {}, true),
           mercator(a, 1 / inverseFlattening, 1.0),
           series(a, 1 / inverseFlattening, 1.0),
           cassini(lat0, 0.0, GeographicLib::Geodesic(a, 1 / inverseFlattening)) {}
 
     double a;
-    double b;
+    lagestatus::ArcSeries fromEquator;
+    lagestatus::ArcSeries fromOrigin;
     GeographicLib::TransverseMercatorExact mercator;
     GeographicLib::TransverseMercator series;
     GeographicLib::CassiniSoldner cassini;
@@ -105,7 +102,8 @@ using Outcomes = std::array<Outcome, routineCount>;
 Outcomes measure(const Ellipsoid& e, const Place& p) {
     const double alongParallel = e.a * std::cos(p.phi);
     Outcomes outcomes;
-    Pair res = {};
+    lagestatus::PlanePoint plane;
+    lagestatus::LatLon back;
     double y = 0.0;
     double x = 0.0;
     double unused = 0.0;
@@ -115,18 +113,18 @@ Outcomes measure(const Ellipsoid& e, const Place& p) {
     };
 
     e.mercator.Forward(0.0, p.lat, p.lon, y, x, unused, scale);
-    int status =
-        lagestatus::geo_to_gauss_krueger(e.a, e.b, p.phi, p.lam, 0.0, lam0, res, tolCoord, tolSeries);
-    keep(toKrueger, status, {(res[0] - y) / scale, (res[1] - x) / scale});
-    status = lagestatus::gauss_krueger_to_geo(e.a, e.b, y, x, 0.0, res, tolAngle, tolSeries);
-    keep(fromKrueger, status, {(res[0] - p.phi) * e.a, (res[1] - p.l) * alongParallel});
+    const lagestatus::LatLon given = {p.phi, p.lam};
+    int status = lagestatus::geo_to_gauss_krueger(e.fromEquator, given, lam0, plane);
+    keep(toKrueger, status, {(plane.easting - y) / scale, (plane.northing - x) / scale});
+    status = lagestatus::gauss_krueger_to_geo(e.fromEquator, {x, y}, 0.0, back);
+    keep(fromKrueger, status, {(back.phi - p.phi) * e.a, (back.lam - p.l) * alongParallel});
 
     e.cassini.Forward(p.lat, p.lon, y, x, unused, scale);
-    status =
-        lagestatus::geo_to_soldner(e.a, e.b, p.phi, p.lam, phi0, lam0, res, tolAngle, tolLength, tolSeries);
-    keep(toSoldner, status, {res[0] - y, (res[1] - x) * scale});  // the scale is that of x, inverted
-    status = lagestatus::soldner_to_geo(e.a, e.b, y, x, phi0, lam0, res, tolAngle, tolLength, tolSeries);
-    keep(fromSoldner, status, {(res[0] - p.phi) * e.a, (res[1] - p.lam) * alongParallel});
+    status = lagestatus::geo_to_soldner(e.fromOrigin, given, lam0, plane);
+    keep(toSoldner, status,
+         {plane.easting - y, (plane.northing - x) * scale});  // the scale is that of x, inverted
+    status = lagestatus::soldner_to_geo(e.fromOrigin, {x, y}, lam0, back);
+    keep(fromSoldner, status, {(back.phi - p.phi) * e.a, (back.lam - p.lam) * alongParallel});
     return outcomes;
 }
 
@@ -334,21 +332,18 @@ void print_closures() {
         std::array<Largest, 2> soldner;
         for (int n = 0; n < manyPlaces; ++n) {
             const Ellipsoid& e = scatter.ellipsoid();
-            const double a = e.a;
-            const double b = e.b;
             const Place p(scatter.between(46, 56), scatter.distance(low, high));
-            Pair plane = {};
-            Pair back = {};
-            made(lagestatus::geo_to_gauss_krueger(a, b, p.phi, p.lam, 0.0, lam0, plane, tolCoord, tolSeries));
-            made(lagestatus::gauss_krueger_to_geo(a, b, plane[0], plane[1], 0.0, back, tolAngle, tolSeries));
-            krueger[0].add(back[0] - p.phi);
-            krueger[1].add(back[1] - p.l);
-            made(lagestatus::geo_to_soldner(a, b, p.phi, p.lam, phi0, lam0, plane, tolAngle, tolLength,
-                                            tolSeries));
-            made(lagestatus::soldner_to_geo(a, b, plane[0], plane[1], phi0, lam0, back, tolAngle, tolLength,
-                                            tolSeries));
-            soldner[0].add(back[0] - p.phi);
-            soldner[1].add(back[1] - p.lam);
+            const lagestatus::LatLon given = {p.phi, p.lam};
+            lagestatus::PlanePoint plane;
+            lagestatus::LatLon back;
+            made(lagestatus::geo_to_gauss_krueger(e.fromEquator, given, lam0, plane));
+            made(lagestatus::gauss_krueger_to_geo(e.fromEquator, plane, 0.0, back));
+            krueger[0].add(back.phi - p.phi);
+            krueger[1].add(back.lam - p.l);
+            made(lagestatus::geo_to_soldner(e.fromOrigin, given, lam0, plane));
+            made(lagestatus::soldner_to_geo(e.fromOrigin, plane, lam0, back));
+            soldner[0].add(back.phi - p.phi);
+            soldner[1].add(back.lam - p.lam);
         }
         std::printf("%g to %g: Gauss-Krueger %.2g %.2g, Soldner %.2g %.2g\n", low, high, krueger[0].get(),
                     krueger[1].get(), soldner[0].get(), soldner[1].get());

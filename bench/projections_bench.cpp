@@ -21,11 +21,7 @@ namespace {
 
 using lagestatus::degree;
 
-// As the pipeline passes them (plane_systems.cpp).
-constexpr double tolSeries = 1e-12;
-constexpr double tolAngle = 1e-10;
-constexpr double tolLength = 1e-4;
-constexpr double tolCoord = 1e-4;
+constexpr lagestatus::Tolerances tol;
 
 constexpr double a = 6377397.155;  // Bessel 1841
 constexpr double b = 6356078.962818189;
@@ -50,14 +46,29 @@ struct Place {
     Pair soldner;
 };
 
+// The library's routines with their series made for the call, as a single transformation makes them.
+template <auto routine>
+int to_plane(double phi0, bool rectifies, const Place& at, Pair& res) {
+    lagestatus::PlanePoint plane;
+    const int status = routine({{a, b}, phi0, tol, rectifies}, {at.radians[0], at.radians[1]}, lam0, plane);
+    res = {plane.easting, plane.northing};
+    return status;
+}
+
+template <auto routine>
+int to_geographic(double phi0, const Pair& plane, Pair& res) {
+    lagestatus::LatLon reached;
+    const int status = routine({{a, b}, phi0, tol, true}, {plane[1], plane[0]}, lam0, reached);
+    res = {reached.phi, reached.lam};
+    return status;
+}
+
 int to_gauss_krueger(const Place& at, Pair& res) {
-    return lagestatus::geo_to_gauss_krueger(a, b, at.radians[0], at.radians[1], gaussKruegerPhi0, lam0, res,
-                                            tolCoord, tolSeries);
+    return to_plane<lagestatus::geo_to_gauss_krueger>(gaussKruegerPhi0, false, at, res);
 }
 
 int to_soldner(const Place& at, Pair& res) {
-    return lagestatus::geo_to_soldner(a, b, at.radians[0], at.radians[1], soldnerPhi0, lam0, res, tolAngle,
-                                      tolLength, tolSeries);
+    return to_plane<lagestatus::geo_to_soldner>(soldnerPhi0, true, at, res);
 }
 
 // 46 to 56 degrees north and up to 2 degrees from the meridian, spread evenly in an order without a pattern that a
@@ -171,7 +182,7 @@ void geo_to_gauss_krueger_beside_proj(benchmark::State& state) {
         state, metres, to_gauss_krueger,
         [](const Place& at, Pair& res) {
             return as_written::geo_to_gauss_krueger(a, b, at.radians[0], at.radians[1], gaussKruegerPhi0,
-                                                    lam0, res, tolCoord, tolSeries);
+                                                    lam0, res, tol.coord, tol.series);
         },
         [&proj](const Place& at, Pair& res) {
             const PJ_COORD reached =
@@ -186,14 +197,11 @@ void gauss_krueger_to_geo_beside_proj(benchmark::State& state) {
     beside_written_and_peer(
         state, radians,
         [](const Place& at, Pair& res) {
-            const int status = lagestatus::gauss_krueger_to_geo(a, b, at.gaussKrueger[0], at.gaussKrueger[1],
-                                                                gaussKruegerPhi0, res, tolAngle, tolSeries);
-            res[1] += lam0;
-            return status;
+            return to_geographic<lagestatus::gauss_krueger_to_geo>(gaussKruegerPhi0, at.gaussKrueger, res);
         },
         [](const Place& at, Pair& res) {
             const int status = as_written::gauss_krueger_to_geo(a, b, at.gaussKrueger[0], at.gaussKrueger[1],
-                                                                gaussKruegerPhi0, res, tolAngle, tolSeries);
+                                                                gaussKruegerPhi0, res, tol.angle, tol.series);
             res[1] += lam0;
             return status;
         },
@@ -215,7 +223,7 @@ void geo_to_soldner_beside_geographiclib(benchmark::State& state) {
         state, metres, to_soldner,
         [](const Place& at, Pair& res) {
             return as_written::geo_to_soldner(a, b, at.radians[0], at.radians[1], soldnerPhi0, lam0, res,
-                                              tolAngle, tolLength, tolSeries);
+                                              tol.angle, tol.length, tol.series);
         },
         [&cassini](const Place& at, Pair& res) {
             cassini.Forward(at.degrees[0], at.degrees[1], res[0], res[1]);
@@ -228,12 +236,11 @@ void soldner_to_geo_beside_geographiclib(benchmark::State& state) {
     beside_written_and_peer(
         state, radiansAndDegrees,
         [](const Place& at, Pair& res) {
-            return lagestatus::soldner_to_geo(a, b, at.soldner[0], at.soldner[1], soldnerPhi0, lam0, res,
-                                              tolAngle, tolLength, tolSeries);
+            return to_geographic<lagestatus::soldner_to_geo>(soldnerPhi0, at.soldner, res);
         },
         [](const Place& at, Pair& res) {
             return as_written::soldner_to_geo(a, b, at.soldner[0], at.soldner[1], soldnerPhi0, lam0, res,
-                                              tolAngle, tolLength, tolSeries);
+                                              tol.angle, tol.length, tol.series);
         },
         [&cassini](const Place& at, Pair& res) {
             cassini.Reverse(at.soldner[0], at.soldner[1], res[0], res[1]);

@@ -1,17 +1,14 @@
 // The road of a point, against independent answers.
 #include <GeographicLib/Geocentric.hpp>
 #include <algorithm>
-#include <bit>
 #include <cmath>
-#include <cstdint>
-#include <initializer_list>
 #include <iterator>
 #include <numbers>
-#include <random>
 #include <sstream>
 #include <tuple>
 
 #include "base/angles.h"
+#include "engine/side.h"
 #include "geodesy/datum_step.h"
 #include "geodesy/geocentric.h"
 #include "support.h"
@@ -89,114 +86,6 @@ TEST(Geocentric, SpecialPlaces) {
     EXPECT_NEAR(reached.lam, 80 / radian, 1e-15);
 }
 
-// The formulas once more, word for word, to hold the library's bits against: stored values would not do, since the
-// functions of the runtime differ in last bits between processors.
-Geocentric forward_as_written(double a, double b, double phi, double lam, double h) {
-    const double q = b / a * b;
-    const double e2 = 1 - q / a;
-    const double W = std::sqrt(1 - e2 * std::sin(phi) * std::sin(phi));
-    const double r = std::cos(phi) * (a / W + h);
-    return {std::cos(lam) * r, std::sin(lam) * r, (q / W + h) * std::sin(phi)};
-}
-
-bool inverse_as_written(double a, double b, const Geocentric& at, Geographic& result) {
-    const double p = std::sqrt(at.y * at.y + at.x * at.x);
-    const double e2 = ((a * a - b * b) / b) / b;
-    const double c = a * a / b;
-    const double eps = 0.0001 / a;
-    double t = (((a * at.z) * a) / b) / b / p;
-    double t1 = 0;
-    double h = 1;
-    double h1 = 0;
-    int n = 0;
-    while (!(std::fabs(t - t1) <= eps * (t * t + 1) && std::fabs(h - h1) <= 0.0001) && n < 20) {
-        const double V = std::sqrt(e2 / (t * t + 1) + 1);
-        const double N = c / V;
-        h1 = h;
-        const double cosPhi = std::sqrt(1 / (t * t + 1));
-        n = n + 1;
-        t1 = t;
-        h = p / cosPhi - N;
-        t = ((((a * at.z) / b) * a) / b) / p / (e2 * h / (N + h) + 1);
-    }
-    result = {std::atan(t), std::asin(at.y / p), h};
-    return std::fabs(t - t1) <= eps * (t * t + 1) && std::fabs(h - h1) <= 0.0001 &&
-           std::isfinite(result.phi + result.lam + result.h);
-}
-
-Geocentric datum_step_as_written(const ParameterArray& s, const Geocentric& at) {
-    using std::cos;
-    using std::sin;
-    const auto matrix = [](double a, double b, double c) {
-        return std::array<double, 9>{cos(b) * cos(c),
-                                     cos(a) * sin(c) + sin(a) * sin(b) * cos(c),
-                                     sin(a) * sin(c) - cos(a) * sin(b) * cos(c),
-                                     -cos(b) * sin(c),
-                                     cos(a) * cos(c) - sin(a) * sin(b) * sin(c),
-                                     cos(a) * sin(b) * sin(c) + sin(a) * cos(c),
-                                     sin(b),
-                                     -sin(a) * cos(b),
-                                     cos(a) * cos(b)};
-    };
-    const auto r = matrix(s[17], s[18], s[19]);
-    const auto c = matrix(s[29], s[30], s[31]);
-    const double dX = at.x - s[22];
-    const double dY = at.y - s[21];
-    const double dZ = at.z - s[23];
-    if (s[26] == 0 && s[27] == 0 && s[28] == 0 && s[29] == 0 && s[30] == 0 && s[31] == 0) {
-        return {s[15] + s[20] * ((r[0] * dX + r[1] * dY) + r[2] * dZ),
-                s[14] + s[20] * ((r[3] * dX + r[4] * dY) + r[5] * dZ),
-                s[16] + s[20] * ((r[6] * dX + r[7] * dY) + r[8] * dZ)};
-    }
-    const double U = (s[15] - s[27]) + s[20] * ((r[0] * dX + r[1] * dY) + r[2] * dZ);
-    const double V = (s[14] - s[26]) + s[20] * ((r[3] * dX + r[4] * dY) + r[5] * dZ);
-    const double W = (s[16] - s[28]) + s[20] * ((r[6] * dX + r[7] * dY) + r[8] * dZ);
-    return {s[34] + ((c[0] * U + c[3] * V) + c[6] * W) / s[32],
-            s[33] + ((c[1] * U + c[4] * V) + c[7] * W) / s[32],
-            s[35] + ((c[2] * U + c[5] * V) + c[8] * W) / s[32]};
-}
-
-TEST(Formulas, HoldEveryBit) {
-    std::mt19937_64 random(20261122);  // any number: the cases must repeat
-    const auto near = [&random](double middle, double spread) {
-        return middle + spread * std::uniform_real_distribution<double>(-1, 1)(random);
-    };
-    const auto expect_bits = [](std::array<double, 3> left, std::array<double, 3> right) {
-        using Bits = std::array<std::uint64_t, 3>;
-        EXPECT_EQ(std::bit_cast<Bits>(left), std::bit_cast<Bits>(right));
-    };
-    for (int number = 0; number < 20000; ++number) {
-        const Ellipsoid e = {near(6378000, 1000), near(6356000, 1000)};
-        const Geographic g = {near(0, 1.6), near(0, 3.2), near(1000, 10000)};
-        const Geocentric p = geographic_to_geocentric(e, g);
-        const Geocentric q = forward_as_written(e.a, e.b, g.phi, g.lam, g.h);
-        expect_bits({p.x, p.y, p.z}, {q.x, q.y, q.z});
-
-        // Every third point lies deep inside, where the count of updates runs out.
-        const double depth = number % 3 == 0 ? 0.02 : 1;
-        const Geocentric at = {p.x * depth, p.y * depth, p.z * depth};
-        Geographic reached;
-        Geographic expected;
-        const bool settles = inverse_as_written(e.a, e.b, at, expected);
-        ASSERT_EQ(geocentric_to_geographic(e, at, reached), settles ? 0 : 90);
-        if (settles) {
-            expect_bits({reached.phi, reached.lam, reached.h}, {expected.phi, expected.lam, expected.h});
-        }
-
-        ParameterArray parameters = {};
-        for (std::size_t s = 14; s < parameters.size(); ++s) {
-            const bool angle = (s >= 17 && s <= 19) || (s >= 29 && s <= 31);
-            // None, some, or all of the six that make two stages.
-            const unsigned none = number % 3 == 0 ? 6 : number % 3 == 1 ? 5 : 0;
-            const bool zero = s >= 26 && s <= 31 && random() % 6 < none;
-            parameters[s] = zero ? 0 : (s == 20 || s == 32) ? near(1, 1e-5) : near(0, angle ? 3 : 1000);
-        }
-        const Geocentric step = datum_step(parameters, p);
-        const Geocentric asWritten = datum_step_as_written(parameters, p);
-        expect_bits({step.x, step.y, step.z}, {asWritten.x, asWritten.y, asWritten.z});
-    }
-}
-
 TEST(Pipeline, GoesItsRoads) {
     constexpr double tol = 1e-6;  // metres and degrees; written in the rows to fewer digits
     const DataDirectory model;
@@ -271,6 +160,24 @@ TEST(Sample, AgreesWithProj) {
     EXPECT_LT(worstSoldner.get(), tolSoldner);
     RecordProperty("worst_nm", std::to_string(worst.get() * 1e9));
     RecordProperty("soldner_nm", std::to_string(worstSoldner.get() * 1e9));
+}
+
+TEST(Side, KeepsADatumStepOfTheSameBits) {
+    for (const auto& [base, code] :
+         {std::pair("etrs89-geozentrisch", 202), std::pair("dhdn-geozentrisch", 102)}) {
+        for (const auto& [role, asRead] :
+             {std::pair(Side::source, Role::source), std::pair(Side::target, Role::target)}) {
+            const Description system = describe(asRead, SAMPLE_DIR, base, 0, code);
+            const Parameters p(system.parameters.data(), parameterCount);
+            const Side side(role, system.kind, system.ellipsoid, p);
+            const Side kept(role, system.kind, system.ellipsoid, p, 0, true);
+            EXPECT_EQ(kept.datumStep.has_value(), code == 202);
+            const Geocentric left = side.through_datum({3783000, 900000, 5038000});
+            const Geocentric right = kept.through_datum({3783000, 900000, 5038000});
+            EXPECT_TRUE(same_bits(std::array{left.x, left.y, left.z}, std::array{right.x, right.y, right.z}));
+            EXPECT_EQ(left.x != 3783000, code == 202);
+        }
+    }
 }
 
 TEST(Sample, SystemsCloseThereAndBack) {

@@ -1,8 +1,6 @@
 #include "projections_as_written.h"
 
-#include <climits>
 #include <cmath>
-#include <cstdint>
 
 using std::acos, std::asin, std::atan, std::cos, std::exp, std::fabs, std::log, std::pow, std::sin, std::sqrt,
     std::tan;
@@ -425,124 +423,6 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
         lam = ((1 - ((1 - u2 / 5) * (w / N)) / 3) * (y / (cphi * N))) + lam0;
     }
     return finish(phi, lam, 206, res);
-}
-
-namespace {
-
-constexpr double rho = 0.0174532925199433;
-
-bool fits(double value) {
-    return value > -2147483649.0 && value < 2147483648.0;
-}
-
-int trunc_to_int(double value) {
-    return fits(value) ? static_cast<int>(value) : INT_MIN;
-}
-
-void decode(double v, std::int64_t& offset, std::int64_t& width, double& lam0) {
-    offset = 0;
-    width = 0;
-    lam0 = 0.0;
-    if (v > 360) {
-        const int whole = trunc_to_int(v);
-        offset = std::int64_t{whole} - 600;
-        width = trunc_to_int((v - whole + 0.05) * 10);
-    } else {
-        lam0 = v * rho;
-    }
-}
-
-bool is_turned(const double* p) {
-    return p[8] != 0 || p[6] != 0 || p[7] != 0 || p[2] != 0 || p[3] != 0;
-}
-
-}  // namespace
-
-int plane_to_geo(bool soldner, const double* p, double X, double Y, double& phi, double& lam) {
-    std::int64_t offset, width;
-    double lam0;
-    decode(p[1], offset, width, lam0);
-    if (p[13] != 1.0) {
-        Y = (Y - p[11]) * p[13] + p[11];
-        X = (X - p[12]) * p[13] + p[12];
-    }
-    X = X - p[10];
-    Y = Y - p[9];
-    const double d = p[4];
-    if (d != 0) {
-        if (Y > d * 0.5) Y = Y - d;
-        if (X > d * 0.5) X = X - d;
-    }
-    if (is_turned(p)) {
-        const double r = p[8], dy = Y - p[6], dx = X - p[7], q = 1 / (r * r + 1);
-        X = (dy * r + dx) * q + p[3];
-        Y = (dy - dx * r) * q + p[2];
-    }
-    std::array<double, 2> res = {};
-    if (soldner) {
-        const int status = soldner_to_geo(p[24], p[25], Y, X, p[0], lam0, res, 1e-10, 0.0001, 1e-12);
-        if (status == 0) {
-            phi = res[0];
-            lam = res[1];
-        }
-        return status;
-    }
-    const double x = X / p[5];
-    const int z = trunc_to_int((Y + p[9]) / 1000000.0);
-    const double y = (Y - z * 1000000.0) / p[5];
-    const int status = gauss_krueger_to_geo(p[24], p[25], y, x, p[0], res, 1e-10, 1e-12);
-    if (status == 0) {
-        phi = res[0];
-        lam = static_cast<double>(width * z + offset) * rho + res[1] + lam0;
-    }
-    return status;
-}
-
-int geo_to_plane(bool soldner, const double* p, int zoneNumber, double phi, double lam, double& X,
-                 double& Y) {
-    std::int64_t offset, width;
-    double lam0;
-    decode(p[1], offset, width, lam0);
-    std::array<double, 2> res = {};
-    double y, x;
-    if (soldner) {
-        const int status = geo_to_soldner(p[24], p[25], phi, lam, p[0], lam0, res, 1e-10, 0.0001, 1e-12);
-        if (status != 0) return status;
-        y = res[0];
-        x = res[1];
-    } else {
-        int z = zoneNumber;
-        double lamC = lam0;
-        if (lam0 == 0.0) {
-            const double zone = (lam / rho - static_cast<double>(offset)) / static_cast<double>(width) + 0.5;
-            if (width == 0 || !fits(zone)) return 14;
-            z = trunc_to_int(zone);
-            lamC = static_cast<double>(width * z + offset) * rho;
-        }
-        const int status = geo_to_gauss_krueger(p[24], p[25], phi, lam, p[0], lamC, res, 0.0001, 1e-12);
-        if (status != 0) return status;
-        y = res[0] * p[5] + z * 1000000.0;
-        x = res[1] * p[5];
-    }
-    if (is_turned(p)) {
-        const double dX = x - p[3], dY = y - p[2];
-        y = dY + p[6] + p[8] * dX;
-        x = dX + p[7] - p[8] * dY;
-    }
-    const double d = p[4];
-    if (d != 0) {
-        if (y < 0 && d * 0.5 > -y) y = y + d;
-        if (x < 0 && d * 0.5 > -x) x = x + d;
-    }
-    y = y + p[9];
-    x = x + p[10];
-    if (p[13] != 1.0) {
-        y = (y - p[11]) / p[13] + p[11];
-        x = (x - p[12]) / p[13] + p[12];
-    }
-    X = x;
-    Y = y;
-    return 0;
 }
 
 }  // namespace as_written

@@ -1,6 +1,6 @@
-// The four projection routines, and the way of a plane system through them, once more, formula by formula and with
-// nothing kept or shared, to hold the library's bits against and as the baseline of the benchmarks. Stored values would not do: the functions of the runtime
-// differ in last bits between processors.
+// The four projection routines once more, formula by formula and with nothing kept or shared, to hold the library's
+// bits against and as the baseline of the benchmarks. Stored values would not do: the functions of the runtime differ
+// in last bits between processors.
 #pragma once
 
 #include <array>
@@ -15,9 +15,5 @@ int geo_to_soldner(double a, double b, double phi, double lam, double phi0, doub
                    std::array<double, 2>& res, double tolAngle, double tolLength, double tolSeries);
 int soldner_to_geo(double a, double b, double y, double x, double phi0, double lam0,
                    std::array<double, 2>& res, double tolAngle, double tolLength, double tolSeries);
-
-// The 36 parameters p as transr_dll takes them; soldner or Gauss-Krueger. X is the northing.
-int plane_to_geo(bool soldner, const double* p, double X, double Y, double& phi, double& lam);
-int geo_to_plane(bool soldner, const double* p, int zoneNumber, double phi, double lam, double& X, double& Y);
 
 }  // namespace as_written

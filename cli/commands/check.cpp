@@ -210,7 +210,7 @@ Area area_of(const System& system) {
         const double latitude = system.parameters[slot::latitudeOfOrigin] / degree;
         return {around(std::clamp(latitude, -furthest, furthest), reach, 8), around(origin, reach, 8)};
     }
-    if (system.is(ProjectionKind::gaussKrueger) && !system.zones().strips) {
+    if (system.is(ProjectionKind::gaussKrueger) && !system.zones().hasStrips) {
         return {germanLatitudes, around(origin, 1.375, 12)};
     }
     return {germanLatitudes, {5.7, 15.2, 20}};

@@ -151,7 +151,7 @@ int list_systems(const std::string& name, bool asJson) {
 std::string zone_layout(const System& system) {
     const ZoneLayout layout = system.zones();
     const double value = system.parameters[slot::longitudeOfOrigin];
-    if (!layout.strips) {
+    if (!layout.hasStrips) {
         const std::string prefix =
             system.zoneNumber != 0 ? ", Kennziffer " + std::to_string(system.zoneNumber) : "";
         return "ein Mittelmeridian " + number_text(value) + "°" + prefix;

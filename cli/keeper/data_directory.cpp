@@ -106,7 +106,11 @@ bool is_source_only(const System& source, const System& target) {
 }
 
 Road::Road(std::string heightDirectory, const System& sourceSystem, const System& targetSystem)
-    : directory(std::move(heightDirectory)), from(sourceSystem), to(targetSystem), source(from), target(to) {}
+    : directory(std::move(heightDirectory)),
+      from(sourceSystem),
+      to(targetSystem),
+      source(Side::source, from, true),
+      target(Side::target, to, true) {}
 
 Transformed Road::transform(const Point& point, Heights heights) const {
     Transformed transformed;

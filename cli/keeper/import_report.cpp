@@ -99,8 +99,8 @@ void check_eastings(const BothRoles& system, const Area& area) {
         }
         const double number = std::trunc(easting / zoneUnit);
         const bool right =
-            layout.strips
-                ? std::fabs(longitude - strip_meridian(layout, truncated_or_smallest(number)) / degree) <=
+            layout.hasStrips
+                ? std::fabs(longitude - central_meridian(layout, truncated_or_smallest(number)) / degree) <=
                       static_cast<double>(layout.width) / 2.0 + edge
                 : number == system.target.zoneNumber;
         if (!right) {

@@ -39,7 +39,7 @@ Plausibility::Plausibility(const System& source) : zones(source.zones()), zoneNu
     scheme = source.is(ProjectionKind::geographic)              ? Scheme::degrees
              : source.is(ProjectionKind::geocentric) || reduced ? Scheme::unchecked
              : source.is(ProjectionKind::soldner)               ? Scheme::local
-             : zones.strips                                     ? Scheme::strips
+             : zones.hasStrips                                  ? Scheme::strips
                                                                 : Scheme::meridian;
 }
 
@@ -49,7 +49,7 @@ Plausibility::Easting Plausibility::parted(double easting) const {
 }
 
 double Plausibility::meridian_of(double strip) const {
-    return strip_meridian(zones, truncated_or_smallest(strip)) / degree;
+    return central_meridian(zones, truncated_or_smallest(strip)) / degree;
 }
 
 bool Plausibility::strip_fits(double easting) const {

@@ -14,8 +14,8 @@ struct KindTraits {
     ProjectionKind kind = ProjectionKind::unknown;
     std::string_view name;  // as data files begin their text: "Soldner Berlin" is a Soldner system
     bool isPlane = false;   // northing and easting in metres, on a projection
-    bool hasStrips =
-        false;  // the longitude of origin may be a layout of strips; their number leads the easting
+    // The longitude of origin may be a layout of strips, whose number leads the easting; the meridian has a scale.
+    bool hasStrips = false;
 };
 
 inline constexpr std::array<KindTraits, 4> projectionKinds = {{

@@ -6,7 +6,6 @@
 
 #include "base/angles.h"
 #include "engine/plane_systems.h"
-#include "geodesy/datum_step.h"
 
 namespace lagestatus {
 namespace {
@@ -42,7 +41,7 @@ Status transform_point(const Point& point, const Side& source, const Side& targe
     if (source.kind == ProjectionKind::unknown || target.kind == ProjectionKind::unknown) {
         return status::projectionKind;
     }
-    if (target.kind == ProjectionKind::gaussKrueger && target.zones.has_no_zones()) {
+    if (target.traits.hasStrips && target.zones.has_no_zones()) {
         return status::longitudeOfOrigin;
     }
     const bool sourceGeocentric = source.kind == ProjectionKind::geocentric;
@@ -57,31 +56,32 @@ Status transform_point(const Point& point, const Side& source, const Side& targe
         }
         normalHeights.at_source(geographic);
     }
-    // The carried point, in the source's datum, in the Bessel datum, and at last in the target's. Gone once, or as often
-    // as it takes to find the ellipsoidal height for a normal height given.
+    // The carried point, in the source's datum, in the Bessel datum, and at last in the target's. Gone once, or as
+    // often as it takes to find the ellipsoidal height for a normal height given.
     Geocentric carried = {point[0], point[1], point[2]};
-    const bool throughBessel = !sameEllipsoid || normalHeights.need_bessel_datum();
-    for (bool settled = false; !settled;) {
+    const bool throughBessel =
+        !sameEllipsoid || (heights.targetWantsNormal && normalHeights.need_bessel_datum());
+    // Between Bessel systems of the same ellipsoid latitude, longitude and height pass as they are.
+    const bool unchanged = sameEllipsoid && source.bessel && !sourceGeocentric && !targetGeocentric;
+    for (bool settled = unchanged; !settled;) {
         if (!sourceGeocentric) {
             carried = geographic_to_geocentric(source.ellipsoid, geographic);
         }
         settled = true;
         if (throughBessel) {
-            const Geocentric inBessel = source.bessel ? carried : datum_step(source.parameters, carried);
+            const Geocentric inBessel = source.through_datum(carried);
             if (const Status found = normalHeights.in_bessel_datum(inBessel, geographic.h, settled);
                 found != status::ok) {
                 return found;
             }
             // Between systems of the same ellipsoid the Bessel datum serves the height alone.
             if (settled && !sameEllipsoid) {
-                carried = target.bessel ? inBessel : datum_step(target.parameters, inBessel);
+                carried = target.through_datum(inBessel);
             }
         }
     }
     Point reached = {carried.x, carried.y, carried.z};
     if (!targetGeocentric) {
-        // Between Bessel systems of the same ellipsoid latitude, longitude and height pass as they are.
-        const bool unchanged = sameEllipsoid && source.bessel && !sourceGeocentric;
         if (!unchanged) {
             const Status converted = geocentric_to_geographic(target.ellipsoid, carried, geographic);
             if (converted != status::ok) {

@@ -1,68 +1,66 @@
 #include "engine/plane_systems.h"
 
+#include <algorithm>
+#include <array>
+
 #include "base/int_cast.h"
-#include "projections/projections.h"
+#include "geodesy/plane_reductions.h"
 
 namespace lagestatus {
 namespace {
 
-constexpr double tolSeries = 1e-12;  // terms of the ellipsoid's series
-constexpr double tolAngle = 1e-10;   // radians
-constexpr double tolLength = 1e-4;   // metres, Soldner arcs
-constexpr double tolCoord = 1e-4;    // metres, Gauss-Krueger coordinates
+constexpr std::array<PlaneRoutines, 2> planeRoutines = {{
+    {ProjectionKind::soldner, soldner_to_geo, geo_to_soldner, true},
+    {ProjectionKind::gaussKrueger, gauss_krueger_to_geo, geo_to_gauss_krueger, false},
+}};
+static_assert(std::ranges::all_of(projectionKinds, [](const KindTraits& traits) {
+    return traits.isPlane ==
+           (std::ranges::find(planeRoutines, traits.kind, &PlaneRoutines::kind) != planeRoutines.end());
+}));
 
 }  // namespace
 
+const PlaneRoutines* plane_routines(ProjectionKind kind) noexcept {
+    const auto* const found = std::ranges::find(planeRoutines, kind, &PlaneRoutines::kind);
+    return found != planeRoutines.end() ? found : nullptr;
+}
+
 Status plane_to_geographic(const Side& source, const Point& point, Geographic& result) noexcept {
     const Parameters p = source.parameters;
-    const auto [a, b] = source.ellipsoid;
-    const auto [X, Y] = reduce_to_projection(p, {point[0], point[1]});
-    GeographicResult reached = {};
-    if (source.kind == ProjectionKind::soldner) {
-        const Status status = soldner_to_geo(a, b, Y, X, p[slot::latitudeOfOrigin], source.zones.lam0,
-                                             reached, tolAngle, tolLength, tolSeries);
-        if (status != status::ok) {
-            return status;
-        }
-        result = {reached[0], reached[1], point[2]};
-        return status::ok;
+    PlanePoint plane = reduce_to_projection(p, {point[0], point[1]});
+    double lam0 = source.zones.lam0;
+    if (source.traits.hasStrips) {
+        const double m0 = p[slot::meridianScale];
+        const int zone = truncated_or_smallest((plane.easting + p[slot::additiveY]) / zoneUnit);
+        plane = {plane.northing / m0, (plane.easting - zone * zoneUnit) / m0};
+        lam0 = central_meridian(source.zones, zone);
     }
-    const double m0 = p[slot::meridianScale];
-    const int zone = truncated_or_smallest((Y + p[slot::additiveY]) / zoneUnit);
-    const double y = (Y - zone * zoneUnit) / m0;
-    const Status status =
-        gauss_krueger_to_geo(a, b, y, X / m0, p[slot::latitudeOfOrigin], reached, tolAngle, tolSeries);
-    if (status != status::ok) {
-        return status;
+    LatLon reached;
+    const Status status = source.plane->toGeographic(*source.series, plane, lam0, reached);
+    if (status == status::ok) {
+        result = {reached.phi, reached.lam, point[2]};
     }
-    result = {reached[0], strip_meridian(source.zones, zone) + reached[1] + source.zones.lam0, point[2]};
-    return status::ok;
+    return status;
 }
 
 Status geographic_to_plane(const Side& target, const Geographic& point, Point& result) noexcept {
     const Parameters p = target.parameters;
-    const auto [a, b] = target.ellipsoid;
-    PlaneResult reached = {};
-    PlanePoint plane;
-    if (target.kind == ProjectionKind::soldner) {
-        const Status status = geo_to_soldner(a, b, point.phi, point.lam, p[slot::latitudeOfOrigin],
-                                             target.zones.lam0, reached, tolAngle, tolLength, tolSeries);
-        if (status != status::ok) {
-            return status;
-        }
-        plane = {reached[1], reached[0]};
-    } else {
-        const auto zone = target_zone(target.zones, point.lam, target.zoneNumber);
-        if (!zone) {
+    Zone zone = {.meridian = target.zones.lam0};
+    if (target.traits.hasStrips) {
+        const auto found = target_zone(target.zones, point.lam, target.zoneNumber);
+        if (!found) {
             return status::longitudeOfOrigin;
         }
-        const Status status = geo_to_gauss_krueger(a, b, point.phi, point.lam, p[slot::latitudeOfOrigin],
-                                                   zone->meridian, reached, tolCoord, tolSeries);
-        if (status != status::ok) {
-            return status;
-        }
+        zone = *found;
+    }
+    PlanePoint plane;
+    const Status status = target.plane->toPlane(*target.series, {point.phi, point.lam}, zone.meridian, plane);
+    if (status != status::ok) {
+        return status;
+    }
+    if (target.traits.hasStrips) {
         const double m0 = p[slot::meridianScale];
-        plane = {reached[1] * m0, reached[0] * m0 + zone->number * zoneUnit};
+        plane = {plane.northing * m0, plane.easting * m0 + zone.number * zoneUnit};
     }
     const auto [X, Y] = reduce_to_system(p, plane);
     result = {X, Y, point.h};

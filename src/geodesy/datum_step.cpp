@@ -1,15 +1,14 @@
 #include "geodesy/datum_step.h"
 
-#include <array>
 #include <cmath>
+#include <cstddef>
 
 namespace lagestatus {
-namespace {
 
-using Matrix = std::array<std::array<double, 3>, 3>;
+using namespace slot;
 
 // R3(c) * R2(b) * R1(a), written out; products from left to right.
-Matrix rotation(double a, double b, double c) noexcept {
+DatumStep::Matrix DatumStep::rotation(double a, double b, double c) noexcept {
     const double ca = std::cos(a);
     const double sa = std::sin(a);
     const double cb = std::cos(b);
@@ -23,20 +22,14 @@ Matrix rotation(double a, double b, double c) noexcept {
     }};
 }
 
-}  // namespace
+DatumStep::DatumStep(Parameters parameters) noexcept
+    : p(parameters),
+      oneStage(!has_intermediate_set(p)),
+      R(rotation(p[rotationX], p[rotationY], p[rotationZ])),
+      C(oneStage ? Matrix{}
+                 : rotation(p[intermediateRotationX], p[intermediateRotationY], p[intermediateRotationZ])) {}
 
-bool has_intermediate_set(Parameters p) noexcept {
-    using namespace slot;
-    return p[intermediateTranslationX] != 0.0 || p[intermediateTranslationY] != 0.0 ||
-           p[intermediateTranslationZ] != 0.0 || p[intermediateRotationX] != 0.0 ||
-           p[intermediateRotationY] != 0.0 || p[intermediateRotationZ] != 0.0;
-}
-
-Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept {
-    using namespace slot;
-    const auto& p = parameters;
-
-    const Matrix R = rotation(p[rotationX], p[rotationY], p[rotationZ]);
+Geocentric DatumStep::carry(const Geocentric& point) const noexcept {
     const double m = p[datumScale];
     const double dX = point.x - p[reductionX];
     const double dY = point.y - p[reductionY];
@@ -45,8 +38,7 @@ Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept {
     const auto turned = [&](const std::array<double, 3>& r) {
         return m * ((r[0] * dX + r[1] * dY) + r[2] * dZ);
     };
-
-    if (!has_intermediate_set(p)) {
+    if (oneStage) {
         return {p[translationX] + turned(R[0]), p[translationY] + turned(R[1]),
                 p[translationZ] + turned(R[2])};
     }
@@ -54,7 +46,6 @@ Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept {
     const double Ux = (p[translationX] - p[intermediateTranslationX]) + turned(R[0]);
     const double Uy = (p[translationY] - p[intermediateTranslationY]) + turned(R[1]);
     const double Uz = (p[translationZ] - p[intermediateTranslationZ]) + turned(R[2]);
-    const Matrix C = rotation(p[intermediateRotationX], p[intermediateRotationY], p[intermediateRotationZ]);
     const double mz = p[intermediateScale];
     // One component of the way back, for a column of the matrix.
     const auto turnedBack = [&](std::size_t column) {
@@ -62,6 +53,16 @@ Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept {
     };
     return {p[intermediateReductionX] + turnedBack(0), p[intermediateReductionY] + turnedBack(1),
             p[intermediateReductionZ] + turnedBack(2)};
+}
+
+bool has_intermediate_set(Parameters p) noexcept {
+    return p[intermediateTranslationX] != 0.0 || p[intermediateTranslationY] != 0.0 ||
+           p[intermediateTranslationZ] != 0.0 || p[intermediateRotationX] != 0.0 ||
+           p[intermediateRotationY] != 0.0 || p[intermediateRotationZ] != 0.0;
+}
+
+Geocentric datum_step(Parameters parameters, const Geocentric& point) noexcept {
+    return DatumStep(parameters).carry(point);
 }
 
 }  // namespace lagestatus

@@ -1,15 +1,10 @@
 // Geographic and geocentric coordinates of one ellipsoid.
 #pragma once
 
+#include "base/ellipsoid.h"
 #include "base/status.h"
 
 namespace lagestatus {
-
-// Semi-axes in metres, both above 0. Nothing else describes an ellipsoid: every other quantity is derived on use.
-struct Ellipsoid {
-    double a = 0.0;
-    double b = 0.0;
-};
 
 // Latitude and longitude in radians, north and east positive; height above the ellipsoid in metres.
 struct Geographic {

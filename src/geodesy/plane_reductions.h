@@ -2,15 +2,10 @@
 // decadic complement, shifts and rotation.
 #pragma once
 
+#include "base/ellipsoid.h"
 #include "base/system_description.h"
 
 namespace lagestatus {
-
-// Metres.
-struct PlanePoint {
-    double northing = 0.0;  // X
-    double easting = 0.0;   // Y
-};
 
 // From the system's coordinates to those of its projection: scale, constants, complement, similarity. A Gauss-Krueger
 // system still has its zone and the scale of its meridian in them afterwards. Cannot fail; what is not finite stays so.

@@ -12,18 +12,17 @@ constexpr double tenthGuard = 0.05;  // a double may hold 600.3 slightly below
 
 ZoneLayout decode_longitude_of_origin(double v) noexcept {
     if (!(v > layoutsFrom)) {
-        return {.strips = false, .offset = 0, .width = 0, .lam0 = v * degree};
+        return {.lam0 = v * degree};
     }
     const int whole = truncated_or_smallest(v);
-    return {.strips = true,
+    return {.hasStrips = true,
             .offset = std::int64_t{whole} - layoutZero,
-            .width = truncated_or_smallest((v - static_cast<double>(whole) + tenthGuard) * 10.0),
-            .lam0 = 0.0};
+            .width = truncated_or_smallest((v - static_cast<double>(whole) + tenthGuard) * 10.0)};
 }
 
-double strip_meridian(const ZoneLayout& layout, int zone) noexcept {
+double central_meridian(const ZoneLayout& layout, int zone) noexcept {
     // Products of 32-bit values: 64 bits hold them. One conversion to double, of the whole.
-    return static_cast<double>(layout.width * zone + layout.offset) * degree;
+    return static_cast<double>(layout.width * zone + layout.offset) * degree + layout.lam0;
 }
 
 std::optional<Zone> target_zone(const ZoneLayout& layout, double lam, int zoneNumber) noexcept {
@@ -35,7 +34,7 @@ std::optional<Zone> target_zone(const ZoneLayout& layout, double lam, int zoneNu
     if (!nearest) {
         return std::nullopt;
     }
-    return Zone{*nearest, strip_meridian(layout, *nearest)};
+    return Zone{*nearest, central_meridian(layout, *nearest)};
 }
 
 }  // namespace lagestatus

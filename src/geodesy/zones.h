@@ -6,16 +6,13 @@
 
 namespace lagestatus {
 
-inline constexpr double layoutsFrom =
-    360.0;                              // degrees; above this a longitude of origin is a layout of strips
-inline constexpr int layoutZero = 600;  // its integer part that stands for an offset of 0
-inline constexpr double zoneUnit =
-    1000000.0;  // metres; the zone number stands in the millions of the easting
+inline constexpr double layoutsFrom = 360.0;  // degrees; a longitude of origin above is a layout of strips
+inline constexpr int layoutZero = 600;        // its integer part that stands for an offset of 0
 
 // A longitude of origin v above 360 is a layout of strips: 600.3 stands for strips of 3 degrees with the central
 // meridian 3 z, 417.6 for strips of 6 degrees with 6 z - 183. Any other v is one meridian, and the rest is 0.
 struct ZoneLayout {
-    bool strips = false;      // there is a layout
+    bool hasStrips = false;   // a layout, whatever the width
     std::int64_t offset = 0;  // degrees; both have the values of 32-bit integers, less 600 for the offset
     std::int64_t width = 0;   // degrees
     double lam0 = 0.0;        // radians; 0 for a layout of strips
@@ -29,17 +26,19 @@ struct ZoneLayout {
 // Returned: the layout.
 [[nodiscard]] ZoneLayout decode_longitude_of_origin(double v) noexcept;
 
-// The central meridian of a zone in radians, without lam0.
-[[nodiscard]] double strip_meridian(const ZoneLayout& layout, int zone) noexcept;
+// The central meridian of a zone in radians; with one meridian that one.
+[[nodiscard]] double central_meridian(const ZoneLayout& layout, int zone) noexcept;
+
+inline constexpr double zoneUnit = 1000000.0;  // metres; the zone's number stands in these of the easting
 
 struct Zone {
-    int number = 0;         // written in the millions of the easting
+    int number = 0;
     double meridian = 0.0;  // radians
 };
 
 // The zone of a target: with strips the one whose central meridian is nearest to the longitude lam (radians), with one
-// meridian that one under the number given. Numbers are cut towards zero: west of half a strip west of strip 0 it is the
-// strip east of the nearest. Nothing when 32 bits cannot hold the number of the strip, also because lam
+// meridian that one under the number given. Numbers are cut towards zero: west of half a strip west of strip 0 it is
+// the strip east of the nearest. Nothing when 32 bits cannot hold the number of the strip, also because lam
 // is not finite. The layout must have zones.
 [[nodiscard]] std::optional<Zone> target_zone(const ZoneLayout& layout, double lam, int zoneNumber) noexcept;
 

@@ -40,8 +40,8 @@ Status run_driver(const Point& point, int sourceCode, int targetCode, std::strin
         read != status::ok) {
         return read;
     }
-    const Side sourceSide(source);
-    const Side targetSide(target);
+    const Side sourceSide(Side::source, source);
+    const Side targetSide(Side::target, target);
     const bool normalHeight = heightMode == 'N' || heightMode == 'n';
     const HeightFlags heights = {
         .sourceIsNormal = normalHeight && sourceSide.kind != ProjectionKind::geocentric,

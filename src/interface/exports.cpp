@@ -131,8 +131,9 @@ int transr_dll(const double* point, const lagestatus_char* sourceKind, const lag
     const auto targetKindText = narrow_cut<kindSize>(targetKind);
     const auto sourceEllipsoidText = narrow_cut<ellipsoidSize>(sourceEllipsoid);
     const auto targetEllipsoidText = narrow_cut<ellipsoidSize>(targetEllipsoid);
-    const Side source(sourceKindText.view(), sourceEllipsoidText.view(), sourceValues);
-    const Side target(targetKindText.view(), targetEllipsoidText.view(), targetValues, zoneNumber);
+    const Side source(Side::source, sourceKindText.view(), sourceEllipsoidText.view(), sourceValues);
+    const Side target(Side::target, targetKindText.view(), targetEllipsoidText.view(), targetValues,
+                      zoneNumber);
     const HeightFlags heights = {.sourceIsNormal = sourceHeightFlag == flagSet,
                                  .targetWantsNormal = targetHeightFlag == flagSet};
     const auto directory = narrow_cut<directorySize>(dataDir);

@@ -2,39 +2,44 @@
 
 namespace lagestatus {
 
-bool ArcSeries::rectifying(double tolerance, double& sum) noexcept {
-    sum = 0.0;
-    double t = firstChange;
-    for (int k = 1; std::fabs(t) > tolerance; ++k) {
-        if (k > maxPasses) {
-            return false;
-        }
-        t = term(k);
-        sum += t;
+ArcSeries::ArcSeries(const Ellipsoid& ellipsoid, double originLatitude, const Tolerances& tolerances,
+                     bool rectifies) noexcept
+    : a(ellipsoid.a),
+      b(ellipsoid.b),
+      phi0(originLatitude),
+      sin2Phi0(phi0 == 0.0 ? phi0 : std::sin(phi0 * 2.0)),
+      tol(tolerances),
+      e2(1.0 - ((b / a) * b) / a) {
+    const bool sureToConverge = e2 >= 0.0 && e2 < 0.1 && tol.series > 1e-90;  // T_k is below e^(2k)
+    const bool fromEquator = phi0 == 0.0 && sureToConverge;
+    if (rectifies || !fromEquator) {
+        SConverges = sum_series(tol.series, S, [this](int k) {
+            powers[static_cast<std::size_t>(k)] = power(k);
+            known = k;
+            return term(k);
+        });
     }
-    return true;
+    if (SConverges && !fromEquator) {
+        B0Converges = sum_B(phi0, B0);
+    }
 }
 
-bool ArcSeries::meridian_arc(double phi, double tolerance, double& sum) noexcept {
-    std::array<double, coefficients::count> power;  // sin^(2i) phi
+bool ArcSeries::sum_B(double phi, double& sum) const noexcept {
+    std::array<double, coefficients::count> sinePower;  // sin^(2i) phi
     const double sinPhi = std::sin(phi);
     const bool equator = sinPhi == 0.0;  // where most systems have their origin
     sum = e2 * 0.75;
-    double t = firstChange;
-    for (int k = 2; std::fabs(t) > tolerance; ++k) {
-        if (k > maxPasses) {
-            return false;
-        }
+    const auto next = [&](int k) {
         const double T = term(k);
         const auto last = static_cast<std::size_t>(k) - 1;
-        power[last] = equator ? 0.0 : std::pow(sinPhi, static_cast<double>(k - 1) * 2.0);
-        t = T;
+        sinePower[last] = equator ? 0.0 : std::pow(sinPhi, static_cast<double>(k - 1) * 2.0);
+        double t = T;
         for (std::size_t i = 1; i <= last; ++i) {
-            t += power[i] * (coefficients::evenOverOdd[i] * T);
+            t += sinePower[i] * (coefficients::evenOverOdd[i] * T);
         }
-        sum += t;
-    }
-    return true;
+        return t;
+    };
+    return sum_series(tol.series, sum, next, 2);
 }
 
 double GeodesicSeries::P(int m) noexcept {

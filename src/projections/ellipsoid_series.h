@@ -1,16 +1,12 @@
 // What the four projection routines share: the power series of an ellipsoid and of its geodesics.
 //
-// Every series is summed term by term until a term t has |t| <= tolerance; a limit of passes ends it without success.
-// It is not entered at all, and keeps its start value, unless firstChange is above the tolerance. A term that is not a
-// number ends it as well: the routines look at their results before they hand them out.
-//
 //   symbol     here                     meaning
 //   e2         e2                       first numerical eccentricity squared
 //   c_k        oddOverEven              (2k-1)!! / (2k)!!
 //   d_i        evenOverOdd[i]           (2i)!! / (2i+1)!!
 //   T_k        term(k)                  (2k+1) c_k^2 e^(2k)
 //   alpha_j    alternating[j]           (-1)^j c_j
-//   g_k        root(k)                  coefficient of t^k in sqrt(1 - t), times e^(2k)
+//   g_k        Roots[k]                 coefficient of t^k in sqrt(1 - t), times e^(2k)
 //
 // The coefficients that depend on nothing are computed by their recurrences when the library is compiled; doubles
 // round there as they do at run time. Powers are pow(x, k), never repeated products, unless a name says so: the bits
@@ -21,14 +17,44 @@
 #include <cmath>
 #include <cstddef>
 
+#include "base/ellipsoid.h"
+
 namespace lagestatus {
 
-inline constexpr int maxPasses = 100;  // of every series and every iteration
+// Where loops end; those of the pipeline unless a caller says otherwise.
+struct Tolerances {
+    double coord = 1e-4;    // metres, Gauss-Krueger coordinates
+    double angle = 1e-10;   // radians
+    double length = 1e-4;   // metres, Soldner arcs
+    double series = 1e-12;  // terms of the ellipsoid's series
+};
+
+inline constexpr int passLimit = 100;  // of every series and every iteration
 inline constexpr double firstChange = 99.0;
+
+// Adds the terms k = first, first + 1, ... to sum until one has |t| <= tolerance. The series is not entered at all, and
+// keeps its start value, unless firstChange is above the tolerance. A term that is not a number ends it as well: the
+// routines look at their results before they hand them out.
+//
+// Given:    tolerance, term(k), first
+// Returned: whether a term up to the 100th is within the tolerance
+//           sum   with all terms that were asked for
+template <typename Term>
+[[nodiscard]] inline bool sum_series(double tolerance, double& sum, Term term, int first = 1) noexcept {
+    double t = firstChange;
+    for (int k = first; std::fabs(t) > tolerance; ++k) {
+        if (k > passLimit) {
+            return false;
+        }
+        t = term(k);
+        sum += t;
+    }
+    return true;
+}
 
 namespace coefficients {
 
-inline constexpr std::size_t count = maxPasses + 1;
+inline constexpr std::size_t count = passLimit + 1;
 
 // (2k+1) c_k^2 for k = 1 to 100, the factors of e^(2k) in T_k; [0] is not used.
 inline constexpr std::array<double, count> arcFactor = [] {
@@ -80,66 +106,66 @@ inline constexpr std::array<double, count*(count + 1) / 2> binomials = [] {
 // Taken from the sines that give the Soldner arcs, so that rounding cannot lift them above 1.
 inline constexpr double keptBelowOne = 1e-15;
 
-// The meridian arc from the equator is
+// The series of an ellipsoid, and the arc of its meridian from the equator to the latitude phi0 that northings count
+// from. Nothing changes once it is made: any number of points may use it at once. The meridian arc from the equator is
 //
 //   G(phi) = A (1 - e2) a phi - sin(2 phi) (1 - e2) a / 2 B(phi),   A = 1 + S,
 //   S = sum over k >= 1 of T_k,   B(phi) = sum over k >= 1 of T_k sum over 0 <= i < k of d_i sin^(2i) phi,
 //
 // which is a (1 - e2) times the integral of (1 - e2 sin^2 t)^(-3/2) from 0 to phi, the root expanded by the binomial
-// theorem and every power of the sine integrated by parts. Values are kept as they are asked for.
+// theorem and every power of the sine integrated by parts.
 class ArcSeries {
   public:
-    // Given: the semi-axes in metres.
-    ArcSeries(double a, double b) noexcept : e2(1.0 - ((b / a) * b) / a) { roots[0] = 1.0; }
+    // Given: ellipsoid, phi0 (radians), tolerances
+    //        rectifies    false: S is wanted for G(phi0) alone
+    // Sums S and B(phi0), but not where G multiplies them by a phi0 of 0 and they are sure to converge: S and B0 stay 0
+    // then, B0 whatever rectifies says.
+    ArcSeries(const Ellipsoid& ellipsoid, double phi0, const Tolerances& tolerances, bool rectifies) noexcept;
 
+    double a, b;
+    double phi0;
+    double sin2Phi0;  // sin(2 phi0)
+    Tolerances tol;
     double e2;
+    double S = 0.0;
+    double B0 = 0.0;         // B(phi0); not summed where S does not converge
+    bool SConverges = true;  // within 100 terms
+    bool B0Converges = true;
 
-    // Whether S and B(0) converge for certain: T_k is below e^(2k).
-    [[nodiscard]] bool sure_to_converge(double tolerance) const noexcept {
-        return e2 >= 0.0 && e2 < 0.1 && tolerance > 1e-90;
+    // e^(2k) and T_k for k = 1 to 100; those that S took are kept.
+    [[nodiscard]] double power(int k) const noexcept {
+        return k <= known ? powers[static_cast<std::size_t>(k)] : std::pow(e2, static_cast<double>(k));
+    }
+    [[nodiscard]] double term(int k) const noexcept {
+        return power(k) * coefficients::arcFactor[static_cast<std::size_t>(k)];
     }
 
-    // e^(2k) and T_k for k = 1 to 100.
-    [[nodiscard]] double power(int k) noexcept {
-        extend_to(k);
-        return powers[static_cast<std::size_t>(k)];
-    }
-    [[nodiscard]] double term(int k) noexcept {
-        extend_to(k);
-        return terms[static_cast<std::size_t>(k)];
-    }
+    // Sums B(phi), phi in radians. Returned: whether it converged within 99 passes; sum holds what was summed.
+    [[nodiscard]] bool sum_B(double phi, double& sum) const noexcept;
 
-    // g_k for k = 0 to 100.
-    [[nodiscard]] double root(int k) noexcept {
-        for (; knownRoots < k; ++knownRoots) {
-            const auto last = static_cast<std::size_t>(knownRoots);
-            const double twice = static_cast<double>(knownRoots) * 2.0;
+  private:
+    int known = 0;
+    std::array<double, coefficients::count> powers;  // as far as known
+};
+
+// g_k for k = 0 to 100, kept as they are asked for.
+class Roots {
+  public:
+    explicit Roots(double eccentricitySquared) noexcept : e2(eccentricitySquared) { roots[0] = 1.0; }
+
+    [[nodiscard]] double operator[](int k) noexcept {
+        for (; known < k; ++known) {
+            const auto last = static_cast<std::size_t>(known);
+            const double twice = static_cast<double>(known) * 2.0;
             roots[last + 1] = ((twice - 1.0) * roots[last]) / (twice + 2.0) * e2;
         }
         return roots[static_cast<std::size_t>(k)];
     }
 
-    // Sums S. Returned: whether it converged within 100 terms; sum holds what was summed.
-    [[nodiscard]] bool rectifying(double tolerance, double& sum) noexcept;
-
-    // Sums B(phi), phi in radians. Returned: whether it converged within 99 passes; sum holds what was summed.
-    [[nodiscard]] bool meridian_arc(double phi, double tolerance, double& sum) noexcept;
-
   private:
-    void extend_to(int k) noexcept {
-        while (known < k) {
-            ++known;
-            const auto next = static_cast<std::size_t>(known);
-            powers[next] = std::pow(e2, static_cast<double>(known));
-            terms[next] = powers[next] * coefficients::arcFactor[next];
-        }
-    }
-
+    double e2;
     int known = 0;
-    int knownRoots = 0;
-    std::array<double, coefficients::count> powers;  // both as far as known
-    std::array<double, coefficients::count> terms;
-    std::array<double, coefficients::count> roots;  // as far as knownRoots
+    std::array<double, coefficients::count> roots;  // as far as known
 };
 
 // The sums over a geodesic on the auxiliary sphere whose footpoint (vertex) has the reduced latitude beta_f, with

@@ -13,6 +13,7 @@
 //   sr, si          sin Z in the end
 //   r1, j1          (1 + sin Z) / (1 - sin Z);  r2, j2  the same with e sin Z
 //   t               sine of the latitude
+#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -35,7 +36,7 @@ struct Place {
 
 // Sums B(Z). Its terms are compared with their signs, the first imaginary one stands for the last change of Z.
 // Returned: whether it converged within 99 passes.
-bool complex_arc(ArcSeries& series, const Place& at, double lastChange, double tolSeries, double& Br,
+bool complex_arc(const ArcSeries& series, const Place& at, double lastChange, double& Br,
                  double& Bi) noexcept {
     const double cosZr = std::cos(at.Zr);
     const double ep = std::exp(at.Zi);
@@ -44,16 +45,16 @@ bool complex_arc(ArcSeries& series, const Place& at, double lastChange, double t
     // The real part of the sine, sin Zr (e^Zi + e^-Zi) / 2, is 0 nowhere else; an overflow makes it no number.
     const bool onImaginaryAxis = at.Zr == 0.0 && !std::isinf(ep + em);
     const double theta = onImaginaryAxis ? halfPi : std::atan((ep - em) / std::tan(at.Zr) / (ep + em));
-    std::array<double, maxPasses> power;  // rho^2i
-    std::array<double, maxPasses> cosine;
-    std::array<double, maxPasses> sine;  // of 2i theta
+    std::array<double, passLimit> power;  // rho^2i
+    std::array<double, passLimit> cosine;
+    std::array<double, passLimit> sine;  // of 2i theta
 
     Br = series.e2 * 0.75;
     Bi = 0.0;
     double tre = Br;
     double tim = lastChange;
-    for (int k = 2; tre > tolSeries || tim > tolSeries; ++k) {
-        if (k > maxPasses) {
+    for (int k = 2; tre > series.tol.series || tim > series.tol.series; ++k) {
+        if (k > passLimit) {
             return false;
         }
         const auto last = static_cast<std::size_t>(k) - 1;
@@ -77,24 +78,26 @@ bool complex_arc(ArcSeries& series, const Place& at, double lastChange, double t
 
 }  // namespace
 
-Status gauss_krueger_to_geo(double a, double b, double y, double x, double phi0, GeographicResult& res,
-                            double tolAngle, double tolSeries) noexcept {
-    ArcSeries series(a, b);
-    double S = 0.0;
-    double B0 = 0.0;
-    if (!series.rectifying(tolSeries, S)) {
+Status gauss_krueger_to_geo(const ArcSeries& series, const PlanePoint& point, double lam0,
+                            LatLon& res) noexcept {
+    if (!series.SConverges) {
         return status::kruegerToGeoEccentricity;
     }
-    const bool needsB0 = phi0 != 0.0 || !series.sure_to_converge(tolSeries);  // else it is multiplied by 0
-    if (needsB0 && !series.meridian_arc(phi0, tolSeries, B0)) {
+    if (!series.B0Converges) {
         return status::kruegerToGeoArc;
     }
+    const double a = series.a;
+    const double S = series.S;
     const double A = S + 1.0;
     const double o = 1.0 - series.e2;
     const double e = std::sqrt(series.e2);
+    const double tolSeries = series.tol.series;
 
-    const double u = ((y / a) / A) / o;
-    const double m = (((A * (o * a)) * phi0 + x) - std::sin(phi0 * 2.0) * (((o * a) * 0.5) * B0)) / a / A / o;
+    // 1. The complex rectifying latitude, and a first complex latitude from it.
+    const double u = ((point.easting / a) / A) / o;
+    const double m =
+        (((A * (o * a)) * series.phi0 + point.northing) - series.sin2Phi0 * (((o * a) * 0.5) * series.B0)) /
+        a / A / o;
     Place at = {m, u, std::exp(u * 2.0), std::exp(u * -2.0)};
     double sin2Zr = std::sin(m * 2.0);
     double cos2Zr = std::cos(m * 2.0);
@@ -103,15 +106,16 @@ Status gauss_krueger_to_geo(double a, double b, double y, double x, double phi0,
     sin2Zr = std::sin(Zr * 2.0);
     cos2Zr = std::cos(Zr * 2.0);
 
+    // 2. The complex latitude on the meridian arc; the imaginary part of a pass uses the real one of the same pass.
     double dRe = firstChange;
     double dIm = firstChange;
     for (int n = 1; dIm > tolSeries || dRe > tolSeries; ++n) {
-        if (n > maxPasses) {
+        if (n > passLimit) {
             return status::kruegerToGeoLatitude;
         }
         double Br = 0.0;
         double Bi = 0.0;
-        if (!complex_arc(series, at, dRe, tolSeries, Br, Bi)) {
+        if (!complex_arc(series, at, dRe, Br, Bi)) {
             return status::kruegerToGeoSeries;
         }
         const double F = std::exp(Zi * 2.0);
@@ -127,6 +131,7 @@ Status gauss_krueger_to_geo(double a, double b, double y, double x, double phi0,
         Zi = newZi;
     }
 
+    // 3. The complex isometric latitude: q, and the longitude l.
     const double ep = std::exp(Zi);
     const double em = std::exp(-Zi);
     const double sr = std::sin(Zr) * (em + ep) * 0.5;
@@ -144,6 +149,7 @@ Status gauss_krueger_to_geo(double a, double b, double y, double x, double phi0,
     double l = r1 != 0.0 ? std::atan(j1 / r1) * 0.5 : pi * 0.25;
     l = r2 != 0.0 ? l - std::atan(j2 / r2) * e * 0.5 : l - e * pi * 0.25;
 
+    // 4. The latitude from q, by its sine.
     const auto tanhOf = [](double isometric) {
         const double grown = std::exp(isometric);
         const double shrunk = std::exp(-isometric);
@@ -153,18 +159,18 @@ Status gauss_krueger_to_geo(double a, double b, double y, double x, double phi0,
     double tOld = 0.0;
     int steps = 0;
     do {
-        if (++steps > maxPasses) {
+        if (++steps > passLimit) {
             return status::kruegerToGeoPhi;
         }
         tOld = t;
         t = tanhOf(std::log((t * e + 1.0) / (1.0 - t * e)) * (e * 0.5) + q);
-    } while (std::fabs(t - tOld) > tolAngle);
+    } while (std::fabs(t - tOld) > series.tol.angle);
 
     const double phi = std::asin(t);
     if (!std::isfinite(phi) || !std::isfinite(l)) {
         return status::kruegerToGeoLatitude;
     }
-    res = {phi, l};
+    res = {phi, l + lam0};
     return status::ok;
 }
 

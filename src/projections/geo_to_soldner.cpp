@@ -11,6 +11,7 @@
 //   psi             arc from the footpoint, negative in the west
 //   omega           longitude difference on the sphere;  l  on the ellipsoid
 //   K1, K2          factors of the meridian arc G, G0 the arc to the origin
+#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -46,24 +47,24 @@ struct Arcs {
 
 }  // namespace
 
-Status geo_to_soldner(double a, double b, double phi, double lam, double phi0, double lam0, PlaneResult& res,
-                      double tolAngle, double tolLength, double tolSeries) noexcept {
-    ArcSeries series(a, b);
-    const double e2 = series.e2;
-    double S = 0.0;
-    double B0 = 0.0;
-    if (!series.rectifying(tolSeries, S)) {
+Status geo_to_soldner(const ArcSeries& series, const LatLon& point, double lam0, PlanePoint& res) noexcept {
+    // 1. The meridian arc from the equator to the origin.
+    if (!series.SConverges) {
         return status::geoToSoldnerEccentricity;
     }
-    if (!series.meridian_arc(phi0, tolSeries, B0)) {
+    if (!series.B0Converges) {
         return status::geoToSoldnerArc;
     }
-    const double A = S + 1.0;
+    const auto [phi, lam] = point;
+    const double a = series.a;
+    const double e2 = series.e2;
+    const double A = series.S + 1.0;
     const double o = 1.0 - e2;
     const double K1 = A * (o * a);
     const double K2 = (o * a) * 0.5;
-    const double G0 = K1 * phi0 - std::sin(phi0 * 2.0) * (K2 * B0);
+    const double G0 = K1 * series.phi0 - series.sin2Phi0 * (K2 * series.B0);
 
+    // 2. The point on the auxiliary sphere, and its footpoint as if the ellipsoid were that sphere.
     const double r = std::sqrt(o);
     const double tPhi = std::tan(phi);
     const double beta = std::atan(tPhi * r);
@@ -72,8 +73,11 @@ Status geo_to_soldner(double a, double b, double phi, double lam, double phi0, d
     const double l = lam - lam0;
     const bool east = lam >= lam0;
     const bool west = lam0 > lam;
+    Arcs arcs(std::atan(tb / std::cos(l)), sb, east, west);
 
-    std::array<double, maxPasses> sinePowers;  // sin^(2j) beta d_j, as far as known
+    // 3. The footpoint: pass n takes n terms of the longitude series, until none of the arcs moves.
+    Roots g(e2);
+    std::array<double, passLimit> sinePowers;  // sin^(2j) beta d_j, as far as known
     std::size_t known = 0;
     const auto sinePower = [&](std::size_t j) {
         for (; known <= j; ++known) {
@@ -82,16 +86,16 @@ Status geo_to_soldner(double a, double b, double phi, double lam, double phi0, d
         }
         return sinePowers[j];
     };
-    Arcs arcs(std::atan(tb / std::cos(l)), sb, east, west);
     double betaFOld = -firstChange;
     double sigmaOld = -firstChange;
     double psiOld = -firstChange;
     const auto moves = [&] {
-        return std::fabs(betaFOld - arcs.betaF) > tolAngle || std::fabs(sigmaOld - arcs.sigma) > tolAngle ||
-               std::fabs(psiOld - arcs.psi) * a > tolLength;
+        return std::fabs(betaFOld - arcs.betaF) > series.tol.angle ||
+               std::fabs(sigmaOld - arcs.sigma) > series.tol.angle ||
+               std::fabs(psiOld - arcs.psi) * a > series.tol.length;
     };
     for (int n = 1; moves(); ++n) {
-        if (n > maxPasses) {
+        if (n > passLimit) {
             return status::geoToSoldnerFootpoint;
         }
         const double cb = std::cos(arcs.betaF);
@@ -103,41 +107,42 @@ Status geo_to_soldner(double a, double b, double phi, double lam, double phi0, d
         double omega = l;
         for (int k = 1; k <= n; ++k) {
             const double Q = geodesic.Q(k - 1, sinePower) * s2 * 0.5;
-            omega -= (geodesic.P(k - 1) * arcs.psi - Q) * (cb * series.root(k));
+            omega -= (geodesic.P(k - 1) * arcs.psi - Q) * (cb * g[k]);
         }
         arcs = Arcs(std::atan(tb / std::cos(omega)), sb, east, west);
     }
 
+    // 4. y, the length of the geodesic from the footpoint to the point.
     GeodesicSeries geodesic(arcs.sinBetaF * arcs.sinBetaF);
     const double s2 = std::sin(arcs.sigma * 2.0);
     const double Y0 = arcs.psi * a;
     double y = Y0;
-    double t = firstChange;
-    for (int k = 1; std::fabs(t) > tolLength; ++k) {
-        if (k > maxPasses) {
-            return status::geoToSoldnerY;
-        }
-        t = (Y0 * series.root(k)) * geodesic.P(k) -
-            (((s2 * a) * series.root(k)) * geodesic.Q(k, sinePower)) * 0.5;
-        y += t;
+    const auto lengthTerm = [&](int k) {
+        return (Y0 * g[k]) * geodesic.P(k) - (((s2 * a) * g[k]) * geodesic.Q(k, sinePower)) * 0.5;
+    };
+    if (!sum_series(series.tol.length, y, lengthTerm)) {
+        return status::geoToSoldnerY;
     }
 
+    // 5. x, the meridian arc from the origin to the footpoint.
     const double phiF = std::atan(std::tan(arcs.betaF) / r);
     double Bf = 0.0;
-    if (!series.meridian_arc(phiF, tolSeries, Bf)) {
+    if (!series.sum_B(phiF, Bf)) {
         return status::geoToSoldnerFootpointArc;
     }
     const double x = (K1 * phiF - std::sin(phiF * 2.0) * (K2 * Bf)) - G0;
+
+    // 6. Beside the meridian y by its series in l.
     if (!(std::fabs(l) >= nearMeridian)) {
         const double c = std::cos(phi);
         const double L2 = ((l * c) * l) * c;
-        const double N = ((a / b) * a) / std::sqrt(((c * c) * e2) / o + 1.0);
+        const double N = ((a / series.b) * a) / std::sqrt(((c * c) * e2) / o + 1.0);
         y = ((N * l) * c) * (1.0 - ((((8.0 - tPhi * tPhi) * L2) / 20.0 + 1.0) * ((tPhi * L2) * tPhi)) / 6.0);
     }
     if (!std::isfinite(y) || !std::isfinite(x)) {
         return status::geoToSoldnerFootpoint;
     }
-    res = {y, x};
+    res = {x, y};
     return status::ok;
 }
 

@@ -2,8 +2,8 @@
 //
 // The meridian arc of x gives the footpoint's latitude. A quarter of the geodesic's whole circuit lies between its node
 // and the footpoint, which turns y into an arc length from the node; the arc-length series is inverted for the arc
-// sigma on the auxiliary sphere, and the longitude series gives the longitude from the footpoint. Less than nearMeridian
-// from the central meridian the longitude comes from a series in y instead. Reference: ellipsoid_series.h.
+// sigma on the auxiliary sphere, and the longitude series gives the longitude from the footpoint. Less than
+// nearMeridian from the central meridian the longitude comes from a series in y instead. Reference: ellipsoid_series.h.
 //
 //   symbol          meaning
 //   A, o            1 + S, 1 - e2
@@ -12,6 +12,7 @@
 //   L               length of the circuit
 //   sigma           arc from the node to the point, sigma1 the same for the point's side of the footpoint
 //   omega           longitude from the node on the sphere, on the ellipsoid with the series
+#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -26,62 +27,63 @@ constexpr double nearMeridian = 200.0;  // metres
 
 }  // namespace
 
-Status soldner_to_geo(double a, double b, double y, double x, double phi0, double lam0, GeographicResult& res,
-                      double tolAngle, double tolLength, double tolSeries) noexcept {
-    ArcSeries series(a, b);
-    const double e2 = series.e2;
-    double S = 0.0;
-    double B = 0.0;
-    if (!series.rectifying(tolSeries, S)) {
+Status soldner_to_geo(const ArcSeries& series, const PlanePoint& point, double lam0, LatLon& res) noexcept {
+    // 1. The rectifying latitude of the footpoint, from the meridian arc to the origin and x.
+    if (!series.SConverges) {
         return status::soldnerToGeoEccentricity;
     }
-    if (!series.meridian_arc(phi0, tolSeries, B)) {
+    if (!series.B0Converges) {
         return status::soldnerToGeoArc;
     }
-    const double A = S + 1.0;
+    const auto [x, y] = point;
+    const double a = series.a;
+    const double e2 = series.e2;
+    const double A = series.S + 1.0;
     const double o = 1.0 - e2;
     const double mu =
-        ((((A * (o * a)) * phi0 + x) - std::sin(phi0 * 2.0) * (((o * a) * 0.5) * B)) / a) / o / A;
+        ((((A * (o * a)) * series.phi0 + x) - series.sin2Phi0 * (((o * a) * 0.5) * series.B0)) / a) / o / A;
 
+    // 2. The footpoint's latitude, with B one pass late, and what hangs on it.
     double phiPrevious = mu;
-    double phiF = ((std::sin(mu * 2.0) * S) * 0.5) / A + mu;
-    for (int n = 1; std::fabs(phiPrevious - phiF) > tolAngle; ++n) {
-        if (n > maxPasses) {
+    double phiF = ((std::sin(mu * 2.0) * series.S) * 0.5) / A + mu;
+    for (int n = 1; std::fabs(phiPrevious - phiF) > series.tol.angle; ++n) {
+        if (n > passLimit) {
             return status::soldnerToGeoFootpoint;
         }
-        if (!series.meridian_arc(phiPrevious, tolSeries, B)) {
+        double B = 0.0;
+        if (!series.sum_B(phiPrevious, B)) {
             return status::soldnerToGeoFootpointArc;
         }
         phiPrevious = phiF;
         phiF = ((std::sin(phiPrevious * 2.0) * B) * 0.5) / A + mu;
     }
-
     const double r = std::sqrt(o);
     const double tf = std::tan(phiF);
     const double betaF = std::atan(tf * r);
     const double cf = std::cos(betaF);
     const double sf = std::sin(betaF);
     GeodesicSeries geodesic(sf * sf);
+
+    // 3. The length of the geodesic's circuit. c is the coefficient of sqrt(1 - t).
     double L = (pi * a) * 2.0;
-    double root = 1.0;  // coefficient of sqrt(1 - t)
-    double t = firstChange;
-    for (int k = 1; std::fabs(t) > tolLength; ++k) {
-        if (k > maxPasses) {
-            return status::soldnerToGeoCircuit;
-        }
+    const auto circuitTerm = [&, c = 1.0](int k) mutable {
         const double twice = static_cast<double>(k - 1) * 2.0;
-        root = ((twice - 1.0) * root) / (twice + 2.0);
-        t = series.power(k) * ((((pi * 2.0) * a) * root) * geodesic.P(k));
-        L += t;
+        c = ((twice - 1.0) * c) / (twice + 2.0);
+        return series.power(k) * ((((pi * 2.0) * a) * c) * geodesic.P(k));
+    };
+    if (!sum_series(series.tol.length, L, circuitTerm)) {
+        return status::soldnerToGeoCircuit;
     }
 
+    // 4. The arc from the node to the point: pass n takes n terms of the length series.
+    Roots g(e2);
     const double s0 = (L * 0.25 + y) / a;
     double sigma = s0;
     double sigmaOld = -firstChange;
     std::array<double, coefficients::count> xPower;  // x^j by pow, as far as known
     std::size_t known = 0;
-    for (int n = 1; std::fabs(sigmaOld - sigma) > tolAngle; ++n) {
-        if (n > maxPasses) {
+    for (int n = 1; std::fabs(sigmaOld - sigma) > series.tol.angle; ++n) {
+        if (n > passLimit) {
             return status::soldnerToGeoSigma;
         }
         sigmaOld = sigma;
@@ -97,13 +99,15 @@ Status soldner_to_geo(double a, double b, double y, double x, double phi0, doubl
         };
         geodesic.forget_point();
         for (int k = 1; k <= n; ++k) {
-            const double g = series.root(k);
-            sigma = (sigma - (sigmaOld * g) * geodesic.P(k)) + ((s2 * g) * geodesic.Q(k, power)) * 0.5;
+            sigma = (sigma - (sigmaOld * g[k]) * geodesic.P(k)) + ((s2 * g[k]) * geodesic.Q(k, power)) * 0.5;
         }
     }
 
+    // 5. The latitude, from the reduced one.
     const double beta = std::asin(std::sin(sigma) * sf);
     const double phi = std::atan(std::tan(beta) / r);
+
+    // 6. The longitudes from the node to the point and to the footpoint; their difference is that from the meridian.
     const double sinBeta = std::sin(beta);
     const double sigma1 = y >= 0.0 ? pi - sigma : sigma;
     double omega = std::asin(((cf / std::cos(beta)) * std::sin(sigma1)) - keptBelowOne);
@@ -112,30 +116,24 @@ Status soldner_to_geo(double a, double b, double y, double x, double phi0, doubl
         return std::pow(sinBeta, static_cast<double>(j) * 2.0) * coefficients::evenOverOdd[j];
     };
     geodesic.forget_point();
-    t = firstChange;
-    for (int k = 1; std::fabs(t) > tolAngle; ++k) {
-        if (k > maxPasses) {
-            return status::soldnerToGeoLongitude;
-        }
-        const double g = series.root(k);
-        t = ((sigma1 * cf) * g) * geodesic.P(k - 1) - (((s2 * cf) * g) * geodesic.Q(k - 1, sinePower)) * 0.5;
-        omega += t;
+    const auto pointTerm = [&](int k) {
+        return ((sigma1 * cf) * g[k]) * geodesic.P(k - 1) -
+               (((s2 * cf) * g[k]) * geodesic.Q(k - 1, sinePower)) * 0.5;
+    };
+    if (!sum_series(series.tol.angle, omega, pointTerm)) {
+        return status::soldnerToGeoLongitude;
     }
-    double quarter = halfPi;  // longitude of the footpoint from the node
-    t = firstChange;
-    for (int k = 1; std::fabs(t) > tolAngle; ++k) {
-        if (k > maxPasses) {
-            return status::soldnerToGeoQuarter;
-        }
-        const double g = series.root(k);
-        t = ((halfPi * cf) * g) * geodesic.P(k - 1);
-        quarter += t;
+    double quarter = halfPi;
+    const auto footpointTerm = [&](int k) { return ((halfPi * cf) * g[k]) * geodesic.P(k - 1); };
+    if (!sum_series(series.tol.angle, quarter, footpointTerm)) {
+        return status::soldnerToGeoQuarter;
     }
-
     double lam = y < 0.0 ? (omega - quarter) + lam0 : (quarter + lam0) - omega;
+
+    // 7. Beside the meridian the longitude by its series in y.
     if (!(std::fabs(y) >= nearMeridian)) {
         const double c = std::cos(phiF);
-        const double N = ((a / b) * a) / std::sqrt(((c * c) * e2) / o + 1.0);
+        const double N = ((a / series.b) * a) / std::sqrt(((c * c) * e2) / o + 1.0);
         const double u2 = (((y / N) * y) / N) * ((tf * 3.0) * tf + 1.0);
         const double w = (((tf * tf) * y) / N) * y;
         lam = ((1.0 - ((1.0 - u2 / 5.0) * (w / N)) / 3.0) * (y / (c * N))) + lam0;
