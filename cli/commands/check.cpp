@@ -120,7 +120,7 @@ void check_parameter_text(const DataDirectory& directory, const DefinitionEntry&
         status::ok) {
         return;
     }
-    const auto check_text = [&](const std::string& name, std::size_t kept) {
+    const auto checkText = [&](const std::string& name, std::size_t kept) {
         if (quoted_text(lines.text(), LineReader::maxLength).size() > kept) {
             findings.note("cut texts in " + file, file + ": line " + std::to_string(lines.number()) +
                                                       ": of the " + name + " only the first " +
@@ -137,13 +137,13 @@ void check_parameter_text(const DataDirectory& directory, const DefinitionEntry&
             case ParameterScan::code:
                 break;
             case ParameterScan::systemName:
-                check_text("name of the system", SystemDescription::SystemName::maxLength);
+                checkText("name of the system", SystemDescription::SystemName::maxLength);
                 break;
             case ParameterScan::ellipsoidName:
-                check_text("name of the ellipsoid", SystemDescription::EllipsoidName::maxLength);
+                checkText("name of the ellipsoid", SystemDescription::EllipsoidName::maxLength);
                 break;
             case ParameterScan::kind:
-                check_text("kind of the system", SystemDescription::KindText::maxLength);
+                checkText("kind of the system", SystemDescription::KindText::maxLength);
                 break;
             case ParameterScan::number:
             case ParameterScan::longitude:

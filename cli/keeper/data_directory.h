@@ -98,6 +98,7 @@ class Road {
     Road(std::string heightDirectory, const System& source, const System& target);
     Road(const Road&) = delete;
     Road& operator=(const Road&) = delete;
+    ~Road() = default;
 
     // As transform_point.
     [[nodiscard]] Transformed transform(const Point& point, Heights heights) const;

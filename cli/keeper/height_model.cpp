@@ -372,7 +372,7 @@ LibraryAnswers ask_library(const std::string& directoryBytes, const HeldModel& m
         }
         return chosen;
     };
-    const auto text_of = [](Status status) {
+    const auto textOf = [](Status status) {
         return status == status::ok ? std::string("0") : status_text(status, fileName);
     };
     for (const std::int64_t row : cells(rows)) {
@@ -397,7 +397,7 @@ LibraryAnswers ask_library(const std::string& directoryBytes, const HeldModel& m
                 findings.defect("library",
                                 fileName + ": at " + fixed_text(place[0], 5) + "° N " +
                                     fixed_text(place[1], 5) + "° E status " + std::to_string(expected) +
-                                    " was to be expected, but the library says " + text_of(answered));
+                                    " was to be expected, but the library says " + textOf(answered));
             }
         }
     }
@@ -406,7 +406,7 @@ LibraryAnswers ask_library(const std::string& directoryBytes, const HeldModel& m
                         fileName +
                             ": the datum transformation of its header leads no point of the Bessel datum to "
                             "the grid" +
-                            (lastFailure == status::ok ? "" : ": " + text_of(lastFailure)));
+                            (lastFailure == status::ok ? "" : ": " + textOf(lastFailure)));
     }
     return answers;
 }

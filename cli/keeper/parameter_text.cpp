@@ -100,7 +100,7 @@ void set_main_set(System& system, const Similarity& set) {
 std::string text_of(const ParameterText& content) {
     const ParameterArray into = parameters_of(content, content.intoBessel);
     const ParameterArray out = parameters_of(content, content.outOfBessel);
-    const auto value_of = [&](const ParameterField& field) {
+    const auto valueOf = [&](const ParameterField& field) {
         switch (field.scan) {
             case ParameterScan::code:
                 return std::to_string(content.code);
@@ -137,7 +137,7 @@ std::string text_of(const ParameterText& content) {
                     "# Ab hier zwei Spalten: 1. vom System ins Besseldatum, 2. vom Besseldatum ins System.\n";
         }
         text += "# " + std::to_string(at + 1) + ' ' + labels.at(ofIntermediate ? at - ofSet : at) +
-                (ofIntermediate ? " zum Zwischensystem" : "") + '\n' + value_of(field) + '\n';
+                (ofIntermediate ? " zum Zwischensystem" : "") + '\n' + valueOf(field) + '\n';
     }
     return text;
 }

@@ -13,18 +13,18 @@ ArcSeries::ArcSeries(const Ellipsoid& ellipsoid, double originLatitude, const To
     const bool sureToConverge = e2 >= 0.0 && e2 < 0.1 && tol.series > 1e-90;  // T_k is below e^(2k)
     const bool fromEquator = phi0 == 0.0 && sureToConverge;
     if (rectifies || !fromEquator) {
-        SConverges = sum_series(tol.series, S, [this](int k) {
+        convergesS = sum_series(tol.series, S, [this](int k) {
             powers[static_cast<std::size_t>(k)] = power(k);
             known = k;
             return term(k);
         });
     }
-    if (SConverges && !fromEquator) {
-        B0Converges = sum_B(phi0, B0);
+    if (convergesS && !fromEquator) {
+        convergesB0 = sum_b(phi0, B0);
     }
 }
 
-bool ArcSeries::sum_B(double phi, double& sum) const noexcept {
+bool ArcSeries::sum_b(double phi, double& sum) const noexcept {
     std::array<double, coefficients::count> sinePower;  // sin^(2i) phi
     const double sinPhi = std::sin(phi);
     const bool equator = sinPhi == 0.0;  // where most systems have their origin

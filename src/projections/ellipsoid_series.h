@@ -129,8 +129,8 @@ class ArcSeries {
     double e2;
     double S = 0.0;
     double B0 = 0.0;         // B(phi0); not summed where S does not converge
-    bool SConverges = true;  // within 100 terms
-    bool B0Converges = true;
+    bool convergesS = true;  // within 100 terms
+    bool convergesB0 = true;
 
     // e^(2k) and T_k for k = 1 to 100; those that S took are kept.
     [[nodiscard]] double power(int k) const noexcept {
@@ -141,7 +141,7 @@ class ArcSeries {
     }
 
     // Sums B(phi), phi in radians. Returned: whether it converged within 99 passes; sum holds what was summed.
-    [[nodiscard]] bool sum_B(double phi, double& sum) const noexcept;
+    [[nodiscard]] bool sum_b(double phi, double& sum) const noexcept;
 
   private:
     int known = 0;

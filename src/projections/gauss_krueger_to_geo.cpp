@@ -80,10 +80,10 @@ bool complex_arc(const ArcSeries& series, const Place& at, double lastChange, do
 
 Status gauss_krueger_to_geo(const ArcSeries& series, const PlanePoint& point, double lam0,
                             LatLon& res) noexcept {
-    if (!series.SConverges) {
+    if (!series.convergesS) {
         return status::kruegerToGeoEccentricity;
     }
-    if (!series.B0Converges) {
+    if (!series.convergesB0) {
         return status::kruegerToGeoArc;
     }
     const double a = series.a;

@@ -187,10 +187,10 @@ Status geo_to_gauss_krueger(const ArcSeries& series, const LatLon& point, double
     }
 
     // 3. From the equator to the origin.
-    if (!series.SConverges) {
+    if (!series.convergesS) {
         return status::geoToKruegerEccentricity;
     }
-    if (!series.B0Converges) {
+    if (!series.convergesB0) {
         return status::geoToKruegerArc;
     }
     const double x =

@@ -49,10 +49,10 @@ struct Arcs {
 
 Status geo_to_soldner(const ArcSeries& series, const LatLon& point, double lam0, PlanePoint& res) noexcept {
     // 1. The meridian arc from the equator to the origin.
-    if (!series.SConverges) {
+    if (!series.convergesS) {
         return status::geoToSoldnerEccentricity;
     }
-    if (!series.B0Converges) {
+    if (!series.convergesB0) {
         return status::geoToSoldnerArc;
     }
     const auto [phi, lam] = point;
@@ -127,7 +127,7 @@ Status geo_to_soldner(const ArcSeries& series, const LatLon& point, double lam0,
     // 5. x, the meridian arc from the origin to the footpoint.
     const double phiF = std::atan(std::tan(arcs.betaF) / r);
     double Bf = 0.0;
-    if (!series.sum_B(phiF, Bf)) {
+    if (!series.sum_b(phiF, Bf)) {
         return status::geoToSoldnerFootpointArc;
     }
     const double x = (K1 * phiF - std::sin(phiF * 2.0) * (K2 * Bf)) - G0;

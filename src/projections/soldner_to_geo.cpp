@@ -29,10 +29,10 @@ constexpr double nearMeridian = 200.0;  // metres
 
 Status soldner_to_geo(const ArcSeries& series, const PlanePoint& point, double lam0, LatLon& res) noexcept {
     // 1. The rectifying latitude of the footpoint, from the meridian arc to the origin and x.
-    if (!series.SConverges) {
+    if (!series.convergesS) {
         return status::soldnerToGeoEccentricity;
     }
-    if (!series.B0Converges) {
+    if (!series.convergesB0) {
         return status::soldnerToGeoArc;
     }
     const auto [x, y] = point;
@@ -51,7 +51,7 @@ Status soldner_to_geo(const ArcSeries& series, const PlanePoint& point, double l
             return status::soldnerToGeoFootpoint;
         }
         double B = 0.0;
-        if (!series.sum_B(phiPrevious, B)) {
+        if (!series.sum_b(phiPrevious, B)) {
             return status::soldnerToGeoFootpointArc;
         }
         phiPrevious = phiF;
