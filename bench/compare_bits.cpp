@@ -327,6 +327,21 @@ std::u16string any_text(Random& random, std::size_t longest) {
     return text;
 }
 
+std::u16string upper(std::u16string text) {
+    for (char16_t& unit : text) {
+        unit = unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
+    }
+    return text;
+}
+
+// The same directory by a longer name.
+std::u16string lengthened(std::u16string directory, std::size_t length) {
+    while (directory.size() + 2 <= length) {
+        directory.insert(0, u"./");
+    }
+    return directory.size() < length ? directory.insert(directory.find(u'/'), u"/") : directory;
+}
+
 // --- Data directories and their systems -----------------------------------------------------------------------------
 
 std::string content_of(const std::filesystem::path& path) {
@@ -359,14 +374,23 @@ std::string joined(const std::vector<std::string>& lines) {
     return content;
 }
 
-// The axes and sets of a model, over a grid of a degree that is read in no time. Some nodes have no value.
+// The axes and the set of a model, with an intermediate set and reduction points, over a grid of a degree that is read
+// in no time. Some nodes have no value.
 std::string coarse_model(const std::string& model) {
-    constexpr std::size_t linesAhead = 30;  // of the grid's extent
+    constexpr std::size_t firstReductionPoint = 12;
     std::vector<std::string> lines = data_lines(model);
-    lines.resize(linesAhead);
+    const std::vector<std::string> fundamentalPoint(lines.begin() + 25, lines.begin() + 30);
+    lines.resize(firstReductionPoint);
+    lines.insert(lines.end(), {"100.5", "-200.25", "300.125", "0.5", "-0.25", "0.75", "1e-7", "-2e-7", "3e-7",
+                               "1.0000001", "10.0", "20.0", "30.0"});
+    lines.insert(lines.end(), fundamentalPoint.begin(), fundamentalPoint.end());
     lines.insert(lines.end(), {"5.0 16.0 1.0", "47.0 56.0 1.0"});
     for (int node = 0; node < 12 * 10; ++node) {
-        lines.push_back(node % 31 == 16 ? "999999" : std::to_string(35.0 + node % 12 + node / 12 * 0.37));
+        if (node % 7 == 0) {
+            lines.emplace_back();
+        }
+        lines.back() +=
+            node % 31 == 16 ? "999999 " : std::to_string(35.0 + node % 12 + node / 12 * 0.37) + ' ';
     }
     return joined(lines);
 }
@@ -408,7 +432,14 @@ class Directory {
         changed = static_cast<std::size_t>(at - originals.begin());
         // Without its comments, lest most changes hit these. Of scrambled files the first line alone is plain.
         const bool plain = !name.ends_with(".tr0") && !random.one_in(8);
-        write(name, damaged(plain ? joined(data_lines(at->second)) : at->second, random));
+        std::string content = plain ? joined(data_lines(at->second)) : at->second;
+        const bool renumbers = name.ends_with(".tra") && random.one_in(3);
+        content = renumbers ? renumbered(content, random) : damaged(std::move(content), random);
+        for (std::size_t end = random.one_in(4) ? content.find('\n') : std::string::npos;
+             end != std::string::npos; end = content.find('\n', end + 2)) {
+            content.insert(end, 1, '\r');
+        }
+        write(name, content);
     }
 
     std::string path;
@@ -416,6 +447,20 @@ class Directory {
     int scrambled = 0;
 
   private:
+    // Every number but the code becomes one that all fields take.
+    static std::string renumbered(const std::string& content, Random& random) {
+        std::vector<std::string> lines = data_lines(content);
+        const auto is_number = [](const std::string& line) {
+            return !line.empty() && line.find_first_not_of("0123456789+-.e \t\r") == std::string::npos;
+        };
+        const auto code = std::ranges::find_if(lines, is_number);
+        for (auto line = code == lines.end() ? code : code + 1; line != lines.end(); ++line) {
+            if (is_number(*line)) {
+                *line = std::to_string(random.between(0, 90)) + ' ' + std::to_string(random.between(0, 9));
+            }
+        }
+        return joined(lines);
+    }
     static std::string damaged(std::string content, Random& random) {
         constexpr const char* tokens[] = {"1e400",       "1e-400", "-",    "+",      ".",
                                           "\"",          "\"\"",   "#",    "\n",     "\r\n",
@@ -436,9 +481,14 @@ class Directory {
                 case 3:
                     content.insert(at, content.substr(random.below(content.size() + 1), random.below(300)));
                     break;
-                case 4:
-                    content.insert(at, std::string(random.below(2200), random.one_in(2) ? ' ' : '7'));
+                case 4: {  // as long as a name, a text or a line may be, or nearly
+                    constexpr std::size_t limits[] = {10, 13, 99, 299, 999, 1024, 2048};
+                    const std::size_t length = random.one_of(limits) + random.below(5) - 2;
+                    const std::size_t quote = random.one_in(2) ? content.find('"', at) : std::string::npos;
+                    content.insert(quote == std::string::npos ? at : quote + 1,
+                                   std::string(length, random.one_in(2) ? ' ' : '7'));
                     break;
+                }
                 case 5:
                     content.resize(random.one_in(4) ? at : content.size());
                     break;
@@ -470,7 +520,10 @@ class Directory {
 class Comparison {
   public:
     Comparison(const Library& reference, const Library& other, const std::string& files)
-        : libraries{reference, other} {
+        : libraries{reference, other}, noFiles(files + "/none") {
+        for (const char* const name : {"DEFAULT", "hoehe.ini"}) {
+            std::filesystem::create_directories(std::filesystem::path(noFiles) / name);
+        }
         const std::string model = content_of("data/sample/hoehe.ini");
         const std::string coarse = coarse_model(model);
         const std::vector<std::string> lines = data_lines(model);
@@ -725,6 +778,8 @@ class Comparison {
         if (random.one_in(16)) {
             const std::u16string names[] = {u"",
                                             u".",
+                                            lengthened(made.directory, 297 + random.below(5)),
+                                            wide(noFiles),
                                             u"/dev",
                                             u"\\",
                                             std::u16string(299, u'd'),
@@ -745,6 +800,8 @@ class Comparison {
             call.directory = random.one_in(2) ? u"data/sample" : u"data/sample-scrambled";
         } else if (random.one_in(40)) {
             call.directory = any_text(random, 120);
+        } else if (random.one_in(20)) {
+            call.directory = lengthened(call.directory, 97 + random.below(5));
         }
         if (random.one_in(40)) {
             call.codes[random.below(2)] = random.one_of(integers);
@@ -758,8 +815,10 @@ class Comparison {
         directory.change(file + (directory.scrambled != 0 ? ".tr0" : ".tra"), random);
         const int code = random.one_in(20) ? random.one_of(integers) : changed.code;
         for (const bool asTarget : {false, true}) {
-            compare("describe, damaged parameter files",
-                    Described{asTarget, wide(directory.path), changed.file, directory.scrambled, code});
+            compare(
+                "describe, damaged parameter files",
+                Described{asTarget, wide(directory.path),
+                          random.one_in(8) ? upper(changed.file) : changed.file, directory.scrambled, code});
         }
         compare("trans_dll, damaged parameter files", Driven{point(random, source, area),
                                                              {source.code, target.code},
@@ -786,6 +845,7 @@ class Comparison {
     }
 
     std::array<Library, 2> libraries;
+    std::string noFiles;                             // a directory in which the files are directories
     std::vector<Directory> directories;              // plain, scrambled
     std::size_t pairs = 0;                           // systems of each: pairs by pairs
     std::array<std::array<double, 3>, 2> grid = {};  // latitude, longitude: least, most, step
