@@ -1,4 +1,4 @@
-// The command lagestatus: a client of the exported interface.
+// The command lagestatus: from the words of the command line to a command.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>

@@ -32,39 +32,40 @@ constexpr double millimetres = 1000.0;
 
 const std::string definitionName(definitionFileName);  // NOLINT(cert-err58-cpp): nothing to throw
 
+// Reads the lines behind what a description or definition took of its file. Returned: how many there are.
+std::size_t lines_left(LineReader& lines, const std::string& file, Findings& findings) {
+    std::size_t count = 0;
+    for (; lines.next() == status::ok; ++count) {
+        findings.overlong_line(lines, file);
+    }
+    findings.overlong_line(lines, file);
+    findings.reading_error(lines, file);
+    return count;
+}
+
 // The definition file as it stands, beside what the library makes of it.
 struct DefinitionText {
-    bool hasHead = false;
     int announced = 0;
     std::size_t linesBehindHead = 0;
 };
 
 // What is found is added to the findings.
 DefinitionText read_definition_text(const DataDirectory& directory, Findings& findings) {
-    DefinitionText text;
     LineReader lines;
-    if (!lines.open(directory.bytes, definitionFileName)) {
-        return text;
-    }
-    while (lines.next() == status::ok) {
-        findings.overlong_line(lines, definitionName);
-        if (text.hasHead) {
-            ++text.linesBehindHead;
-            continue;
-        }
-        FieldScanner head(lines.text());
-        if (!head.integer(text.announced)) {
-            return text;
-        }
-        text.hasHead = true;
-        int scrambled = 0;
-        if (head.integer(scrambled) && scrambled != 0 && scrambled != 1) {
-            findings.defect("flag", definitionName + ": the head line marks scrambled files by " +
-                                        std::to_string(scrambled) + ", which counts as 0: plain");
-        }
+    if (!lines.open(directory.bytes, definitionFileName) || lines.next() != status::ok) {
+        findings.reading_error(lines, definitionName);
+        return {};
     }
     findings.overlong_line(lines, definitionName);
-    return text;
+    const DefinitionRecord& record = directory.definition;
+    if (directory.status == status::definitionHead) {
+        return {};
+    }
+    if (record.flag != 0 && record.flag != 1) {
+        findings.defect("flag", definitionName + ": the head line marks scrambled files by " +
+                                    std::to_string(record.flag) + ", which counts as 0: plain");
+    }
+    return {record.announced, lines_left(lines, definitionName, findings)};
 }
 
 std::string entries_there(const DefinitionText& text) {
@@ -127,13 +128,12 @@ void check_parameter_text(const DataDirectory& directory, const DefinitionEntry&
                                                       std::to_string(kept) + " characters are kept");
         }
     };
-    std::size_t read = 0;
-    for (; lines.next() == status::ok; ++read) {
-        findings.overlong_line(lines, file);
-        if (read >= parameterFields.size()) {
-            continue;
+    for (const ParameterField& field : parameterFields) {
+        if (lines.next() != status::ok) {
+            break;
         }
-        switch (parameterFields.at(read).scan) {
+        findings.overlong_line(lines, file);
+        switch (field.scan) {
             case ParameterScan::code:
                 break;
             case ParameterScan::systemName:
@@ -154,10 +154,9 @@ void check_parameter_text(const DataDirectory& directory, const DefinitionEntry&
                 break;
         }
     }
-    findings.overlong_line(lines, file);
-    if (read > parameterFields.size()) {
-        findings.note("lines behind " + file, file + ": " + plural(read - parameterFields.size(), "line") +
-                                                  " behind the fortieth, which are not read");
+    if (const std::size_t left = lines_left(lines, file, findings); left > 0) {
+        findings.note("lines behind " + file,
+                      file + ": " + plural(left, "line") + " behind the fortieth, which are not read");
     }
 }
 
@@ -301,7 +300,7 @@ void check_systems(const DataDirectory& directory, Findings& findings) {
     print_table(rows);
 }
 
-std::string place_text(const HeldModel& model, std::int64_t number) {
+std::string node_text(const HeldModel& model, std::int64_t number) {
     constexpr int decimals = 6;
     const std::int64_t columns = model.longitude.count;
     return trimmed_text(model.latitude.at(number / columns), decimals) + "° N " +
@@ -318,7 +317,7 @@ using Rows = std::vector<std::vector<std::string>>;
 Rows grid_rows(const HeldModel& model, const GridSummary& summary) {
     const auto valueText = [&model](std::int64_t number) {
         return fixed_text(static_cast<double>(model.values[static_cast<std::size_t>(number)]), 3) + " m at " +
-               place_text(model, number);
+               node_text(model, number);
     };
     Rows rows = {{"  key", std::to_string(model.key) + (model.key == 0 ? ", plain" : ", scrambled")},
                  {"  longitude", range_text(model.longitude, "columns")},
@@ -326,7 +325,7 @@ Rows grid_rows(const HeldModel& model, const GridSummary& summary) {
                  {"  values", std::to_string(model.values.size()) + " of " + std::to_string(model.size())}};
     if (summary.holes > 0) {
         const auto corner = [&](std::int64_t column, std::int64_t row) {
-            return place_text(model, row * model.longitude.count + column);
+            return node_text(model, row * model.longitude.count + column);
         };
         rows.push_back({"  without value", std::to_string(summary.holes) + ", between " +
                                                corner(summary.firstHoleColumn, summary.firstHoleRow) +
@@ -339,8 +338,8 @@ Rows grid_rows(const HeldModel& model, const GridSummary& summary) {
     }
     if (summary.largestStep > 0.0) {
         rows.push_back({"  largest step", fixed_text(summary.largestStep, 3) + " m between " +
-                                              place_text(model, summary.stepFrom) + " and " +
-                                              place_text(model, summary.stepTo)});
+                                              node_text(model, summary.stepFrom) + " and " +
+                                              node_text(model, summary.stepTo)});
     }
     return rows;
 }
@@ -358,7 +357,7 @@ void check_height_model(const DataDirectory& directory, const std::string& map, 
     if (!lines.open(directory.bytes, heightModelFileName)) {
         std::error_code none;
         if (std::filesystem::exists(file_path(directory.path_of(name)), none)) {
-            findings.defect("file", name + ": is there, and cannot be opened as a regular file");
+            findings.defect("file", name + ": is no regular file, or cannot be opened");
             noMap("the height model cannot be read");
         } else {
             findings.note("file", "there is no height model; wherever one is needed, " +
@@ -412,7 +411,8 @@ int check_directory(const std::string& name, const std::string& map) {
         defects += findings.defects();
     };
     put("Definition file\n  " + plural(directory.entries().size(), "system") + ", parameter files " +
-        (directory.definition.scrambled ? "scrambled (.tr0)" : "plain (.tra)") + '\n');
+        (directory.definition.scrambled ? "scrambled" : "plain") + " (" +
+        std::string(directory.definition.scrambled ? scrambledExtension : plainExtension) + ")" + '\n');
     Findings inDefinition;
     check_definition(directory, inDefinition);
     closeSection(inDefinition);

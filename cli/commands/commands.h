@@ -2,19 +2,9 @@
 // Completions go by the names of values: DIR the data directory, FILE a file, CODE a system of the data directory.
 #pragma once
 
-#include <array>
-#include <string_view>
-
 #include "help/description.h"
 
 namespace cli {
-
-inline constexpr int allGood = 0;
-inline constexpr int someFailed = 1;
-inline constexpr int nothingDone = 2;
-inline constexpr std::array<std::string_view, 3> exitMeanings = {
-    "all good", "some rows failed, or defects were found",
-    "nothing could be done: a wrong command line, or files that cannot be used"};
 
 Command list_command();
 Command show_command();

@@ -113,8 +113,8 @@ Imported imported(const ImportOptions& options) {
 int import_system(const ImportOptions& options) {
     const bool toFile = !options.output.empty() && options.output != "-";
     try {
-        if (toFile && !options.output.ends_with(".tra")) {
-            throw Refused("-o " + options.output + ": a parameter file's name ends in .tra");
+        if (toFile && !options.output.ends_with(plainExtension)) {
+            throw Refused("-o " + options.output + ": a parameter file's name ends in " + std::string(plainExtension));
         }
         const Imported done = imported(options);
         if (toFile) {
@@ -140,6 +140,10 @@ int import_system(const ImportOptions& options) {
 
 Command import_command() {
     const auto options = std::make_shared<ImportOptions>();
+    std::vector<std::string> kinds;
+    for (const KindTraits& kind : projectionKinds) {
+        kinds.emplace_back(kind.name);
+    }
     const Rules conventions = {.choices = {"position_vector", "coordinate_frame"}};
     Command command{"import", "Write a parameter file from published parameters"};
     command.add("CODE", &options->code, "Lagestatus of the system", {.required = true});
@@ -147,7 +151,7 @@ Command import_command() {
     command.add("--force", &options->force, "Replace an existing file");
     command.add("--name TEXT", &options->name, "Name of the system", {.required = true});
     command.add("--kind KIND", &options->kind, "Kind of projection",
-                {.required = true, .choices = {"Geographisch", "Geozentrisch", "Gauss-Krueger", "Soldner"}});
+                {.required = true, .choices = kinds});
     command.add(
         "--ellipsoid NAME", &options->ellipsoid,
         "Bessel 1841, GRS80, WGS84, Krassowski 1940, International 1924 (Hayford), Airy 1830, Clarke 1866, "

@@ -92,6 +92,10 @@ Named read_entry(const DataDirectory& directory, const DefinitionEntry& entry) {
     return named;
 }
 
+// Of a target whose second column is missing.
+const std::string sourceOnlyText =  // NOLINT(cert-err58-cpp): nothing to throw
+    "status " + std::to_string(status::firstTwoColumns + status::secondColumn);
+
 std::string auxiliary_text(const DefinitionEntry& entry) {
     return entry.auxiliary == noAuxiliary ? "-" : std::to_string(entry.auxiliary);
 }
@@ -132,9 +136,9 @@ int list_systems(const std::string& name, bool asJson) {
             exitStatus = someFailed;
             row.insert(row.end(), {"*", "*", status_text(named.status, named.file)});
         } else {
-            row.insert(row.end(),
-                       {named.source.kind_text(), named.source.ellipsoid(),
-                        named.source.name() + (named.sourceOnly ? " (source only: status 70)" : "")});
+            row.insert(row.end(), {named.source.kind_text(), named.source.ellipsoid(),
+                                   named.source.name() +
+                                       (named.sourceOnly ? " (source only: " + sourceOnlyText + ")" : "")});
         }
         rows.push_back(row);
         json.push_back(json_of(named));
@@ -162,24 +166,30 @@ std::string zone_layout(const System& system) {
     return "Streifen " + width + ", Mittelmeridian " + width + "·z" + offset;
 }
 
-std::string stages(const System& system) {
-    if (system.in_bessel_datum()) {
-        return "none: lies in the Bessel datum";
-    }
-    return has_intermediate_set(system.parameters) ? "two stages" : "one stage";
+// Of its step into the Bessel datum, or out of it.
+int stages_of(const System& system) {
+    return system.in_bessel_datum() ? 0 : has_intermediate_set(system.parameters) ? 2 : 1;
+}
+
+std::string stages_text(const System& system) {
+    constexpr std::array<const char*, 3> texts = {"none: lies in the Bessel datum", "one stage",
+                                                  "two stages"};
+    return texts.at(static_cast<std::size_t>(stages_of(system)));
 }
 
 int show_system(const std::string& name, int code, bool asJson) {
     DataDirectory directory;
-    System source;
-    if (!open_directory(name, directory) || !open_system(directory, code, Column::intoBessel, source)) {
+    const DefinitionEntry* const entry =
+        open_directory(name, directory) ? find_entry(directory, code) : nullptr;
+    if (entry == nullptr) {
         return nothingDone;
     }
-    const Named named = read_entry(directory, *directory.definition.find(code));
+    const Named named = read_entry(directory, *entry);
     if (named.status != 0) {
         complain(status_text(named.status, directory.path_of(named.file)));
         return nothingDone;
     }
+    const System& source = named.source;
     const System& target = named.target;
     if (asJson) {
         Json json = json_of(named);
@@ -187,13 +197,8 @@ int show_system(const std::string& name, int code, bool asJson) {
         if (source.kind().hasStrips) {
             json["zone_layout"] = zone_layout(source);
         }
-        json["stages_into_bessel"] = source.in_bessel_datum()                  ? 0
-                                     : has_intermediate_set(source.parameters) ? 2
-                                                                               : 1;
-        json["stages_out_of_bessel"] = named.sourceOnly ? Json()
-                                       : source.in_bessel_datum()
-                                           ? Json(0)
-                                           : Json(has_intermediate_set(target.parameters) ? 2 : 1);
+        json["stages_into_bessel"] = stages_of(source);
+        json["stages_out_of_bessel"] = named.sourceOnly ? Json() : Json(stages_of(target));
         json["parameters"] = Json::array();
         for (std::size_t slot = 0; slot < slotTexts.size(); ++slot) {
             json["parameters"].push_back(
@@ -214,8 +219,9 @@ int show_system(const std::string& name, int code, bool asJson) {
         head.push_back({"zones", zone_layout(source)});
     }
     head.push_back({"zone number", std::to_string(source.zoneNumber)});
-    head.push_back({"into Bessel", stages(source)});
-    head.push_back({"out of Bessel", named.sourceOnly ? "not given (status 70)" : stages(target)});
+    head.push_back({"into Bessel", stages_text(source)});
+    head.push_back(
+        {"out of Bessel", named.sourceOnly ? "not given (" + sourceOnlyText + ")" : stages_text(target)});
     print_table(head);
     put("\n");
     std::vector<std::vector<std::string>> rows = {{"slot", "value", "into Bessel", "out of Bessel", "unit"}};

@@ -5,7 +5,6 @@
 #include <sstream>
 #include <utility>
 
-#include "commands/commands.h"
 #include "system/output.h"
 
 namespace cli {

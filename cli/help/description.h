@@ -2,6 +2,7 @@
 // completions are all made from this.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -10,6 +11,14 @@
 #include <vector>
 
 namespace cli {
+
+// What the program returns.
+inline constexpr int allGood = 0;
+inline constexpr int someFailed = 1;
+inline constexpr int nothingDone = 2;
+inline constexpr std::array<std::string_view, 3> exitMeanings = {
+    "all good", "some rows failed, or defects were found",
+    "nothing could be done: a wrong command line, or files that cannot be used"};
 
 // Where a value goes. A bool is set by a flag; a list is given with commas, but as an argument without a name it is all
 // that is left.

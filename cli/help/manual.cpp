@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <sstream>
 
-#include "commands/commands.h"
 #include "help/description.h"
 
 namespace cli {

@@ -1,5 +1,6 @@
 #include "keeper/data_directory.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <utility>
@@ -81,6 +82,14 @@ bool open_directory(const std::string& name, DataDirectory& directory) {
     return directory.status == status::ok;
 }
 
+const DefinitionEntry* find_entry(const DataDirectory& directory, int code) {
+    const DefinitionEntry* const entry = directory.definition.find(code);
+    if (entry == nullptr) {
+        complain(std::to_string(code) + ": " + status_text(status::codeNotListed, ""));
+    }
+    return entry;
+}
+
 System read_system(const DataDirectory& directory, const DefinitionEntry& entry, Column column) {
     System system;
     system.status = read_parameter_file(column, directory.bytes, entry.name.view(),
@@ -89,9 +98,8 @@ System read_system(const DataDirectory& directory, const DefinitionEntry& entry,
 }
 
 bool open_system(const DataDirectory& directory, int code, Column column, System& system) {
-    const DefinitionEntry* const entry = directory.definition.find(code);
+    const DefinitionEntry* const entry = find_entry(directory, code);
     if (entry == nullptr) {
-        complain(std::to_string(code) + ": " + status_text(status::codeNotListed, ""));
         return false;
     }
     system = read_system(directory, *entry, column);

@@ -2,9 +2,7 @@
 // and the road from one system to another.
 #pragma once
 
-#include <algorithm>
-#include <array>
-#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,18 +16,6 @@
 namespace cli {
 
 using namespace lagestatus;  // NOLINT(google-build-using-namespace): one floor of the same house
-
-// The slots of the main datum set, then those of the intermediate set, each in the order of data files.
-inline constexpr auto datumSlots = [] {
-    std::array<std::size_t, 20> slots = {};
-    std::size_t count = 0;
-    for (const ParameterField& field : parameterFields) {
-        if (field.scan == ParameterScan::columns) {
-            slots.at(count++) = field.slot;
-        }
-    }
-    return slots;
-}();
 
 struct System : SystemDescription {
     Status status = status::ok;
@@ -69,6 +55,9 @@ std::string status_text(Status status, std::string_view fileName);
 
 // Reads DEFAULT; says on stderr what is wrong with it. Returned: whether it was read.
 bool open_directory(const std::string& name, DataDirectory& directory);
+
+// The entry of a code; says on stderr if there is none, and is null then.
+const DefinitionEntry* find_entry(const DataDirectory& directory, int code);
 
 // One system, read as the source or the target of a transformation.
 System read_system(const DataDirectory& directory, const DefinitionEntry& entry, Column column);

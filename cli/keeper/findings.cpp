@@ -41,6 +41,12 @@ void Findings::overlong_line(const lagestatus::LineReader& lines, const std::str
                                             std::to_string(longest) + " is read as another line");
 }
 
+void Findings::reading_error(const lagestatus::LineReader& lines, const std::string& file) {
+    if (lines.failed()) {
+        defect("file", file + ": cannot be read to its end");
+    }
+}
+
 void Findings::decimal_commas(const lagestatus::LineReader& lines, int numbers, const std::string& file) {
     lagestatus::FieldScanner scanner(lines.text());
     double value = 0.0;

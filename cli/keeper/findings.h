@@ -21,6 +21,9 @@ class Findings {
     // A line of a data file that a reader takes for more than one, told once.
     void overlong_line(const lagestatus::LineReader& lines, const std::string& file);
 
+    // The file cannot be read to its end, if that is so.
+    void reading_error(const lagestatus::LineReader& lines, const std::string& file);
+
     // Numbers at the front of the current line, at most so many, that end at a comma: read as less than was meant.
     void decimal_commas(const lagestatus::LineReader& lines, int numbers, const std::string& file);
 

@@ -40,15 +40,17 @@ class Reading {
     HeldModel model() {
         HeldModel model;
         read(model);
-        if (lines.failed()) {
-            findings.defect("file", fileName + ": cannot be read to its end");
-        }
+        findings.reading_error(lines, fileName);
         return model;
     }
 
   private:
     void read(HeldModel& model) {
-        if (lines.read_key() != status::ok) {
+        const Status key = lines.read_key();
+        if (lines.failed()) {
+            return;
+        }
+        if (key != status::ok) {
             tell(status::fileEnds, ": the scrambling key at its head is missing");
             return;
         }
@@ -59,6 +61,9 @@ class Reading {
             return;
         }
         if (!next_line()) {
+            if (lines.failed()) {
+                return;
+            }
             findings.note("empty", fileName + ": no data line" + effectOfNothing);
             return;
         }
@@ -100,7 +105,7 @@ class Reading {
 
     bool next_header_line() {
         const bool there = next_line();
-        if (!there) {
+        if (!there && !lines.failed()) {
             tell(status::fileEnds, ": the file ends before its header does");
         }
         return there;

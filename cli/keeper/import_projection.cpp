@@ -94,19 +94,19 @@ void set_strips(ParameterText& content, const std::string& strips) {
 
 // What is left of a false easting without the strip number in its millions.
 double split_easting(ParameterText& content, const std::string& text) {
-    constexpr double largestNumber = 999.0;
+    constexpr int largestNumber = 999;
     const double easting = number_in("--x-0", text, 0.0);
-    const double number = std::trunc(easting / zoneUnit);
-    if (number < 0.0 || number > largestNumber) {
+    const int number = zone_of(easting);
+    if (number < 0 || number > largestNumber) {
         throw Refused(
             "--x-0 " + text + ": does not split into a strip number from 0 to 999 in the millions and an " +
             "additive constant: a reader would take the millions of every easting for a strip number");
     }
-    content.originComments = {number == 0.0
+    content.originComments = {number == 0
                                   ? "Ein Mittelmeridian; vor dem Rechtswert steht keine Nummer."
                                   : "Ein Mittelmeridian; dahinter die Nummer, die vor dem Rechtswert steht."};
-    if (number > 0.0) {
-        content.longitudeOfOrigin += ' ' + std::to_string(static_cast<int>(number));
+    if (number > 0) {
+        content.longitudeOfOrigin += ' ' + std::to_string(number);
     }
     return easting - number * zoneUnit;
 }
@@ -205,6 +205,9 @@ void set_projection(ParameterText& content, const ImportOptions& options) {
     if (kind.hasStrips) {
         set_meridian(content, options);
         return;
+    }
+    if (kind.kind != ProjectionKind::soldner) {
+        throw Refused("--kind " + options.kind + ": published parameters of this kind are not known");
     }
     refuse_given({{"--strips", options.strips}}, why);
     if (number_in("--k-0", options.scale, 1.0) != 1.0) {

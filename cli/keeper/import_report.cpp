@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "base/angles.h"
-#include "base/int_cast.h"
 #include "geodesy/zones.h"
 #include "keeper/import_steps.h"
 #include "system/output.h"
@@ -97,15 +96,14 @@ void check_eastings(const BothRoles& system, const Area& area) {
         } catch (const NotCarried& refused) {
             throw Refused(where + refused.what());
         }
-        const double number = std::trunc(easting / zoneUnit);
-        const bool right =
-            layout.hasStrips
-                ? std::fabs(longitude - central_meridian(layout, truncated_or_smallest(number)) / degree) <=
-                      static_cast<double>(layout.width) / 2.0 + edge
-                : number == system.target.zoneNumber;
+        const int number = zone_of(easting);
+        const bool right = layout.hasStrips
+                               ? std::fabs(longitude - central_meridian(layout, number) / degree) <=
+                                     static_cast<double>(layout.width) / 2.0 + edge
+                               : number == system.target.zoneNumber;
         if (!right) {
             throw Refused(where + "the easting is " + data_text(std::round(easting)) +
-                          ", which a reader takes for strip " + number_text(number) +
+                          ", which a reader takes for strip " + std::to_string(number) +
                           ": eastings must not leave their million within the area of use (--area)");
         }
     });
@@ -113,7 +111,7 @@ void check_eastings(const BothRoles& system, const Area& area) {
 
 // One point, with and without the datum step, so that a wrong sign is seen.
 std::string report_of_point(const BothRoles& system, const ImportOptions& options,
-                            const DatumStep& intoBessel, const Area& area) {
+                            const DatumSets& intoBessel, const Area& area) {
     const System ownSource = of_kind(system.source, ProjectionKind::geographic);
     const System ownTarget = of_kind(system.target, ProjectionKind::geographic);
     Point point = {};

@@ -56,7 +56,7 @@ void put_set(const Similarity& set, std::size_t begin, ParameterArray& parameter
 }
 
 // The slots of one column, latitudes in degrees as in the file.
-ParameterArray parameters_of(const ParameterText& content, const DatumStep& step) {
+ParameterArray parameters_of(const ParameterText& content, const DatumSets& step) {
     ParameterArray parameters = {};
     parameters[slot::latitudeOfOrigin] = content.latitudeOfOrigin;
     parameters[slot::additiveY] = content.additiveY;

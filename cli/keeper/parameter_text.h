@@ -31,7 +31,7 @@ Similarity main_set_of(const System& system);
 void set_main_set(System& system, const Similarity& set);
 
 // One column: the main set leads to where the intermediate set leads from the end of the way; that is undone.
-struct DatumStep {
+struct DatumSets {
     Similarity main;
     Similarity intermediate;
 };
@@ -48,8 +48,8 @@ struct ParameterText {
     double meridianScale = 1.0;
     double semiMajorAxis = 0.0;
     double semiMinorAxis = 0.0;
-    DatumStep intoBessel;
-    DatumStep outOfBessel;
+    DatumSets intoBessel;
+    DatumSets outOfBessel;
 
     // Comments without their "# ", ahead of the file and of what they explain.
     std::vector<std::string> headComments;

@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "base/angles.h"
-#include "base/int_cast.h"
 #include "base/system_description.h"
+#include "geodesy/plane_reductions.h"
 #include "system/text.h"
 
 namespace cli {
@@ -29,35 +29,35 @@ bool within_circle(const std::array<double, 3>& point) {
 
 Plausibility::Plausibility(const System& source) : zones(source.zones()), zoneNumber(source.zoneNumber) {
     const auto& p = source.parameters;
-    const bool reduced = p[slot::decadicComplement] != 0.0 || p[slot::shiftX] != 0.0 ||
-                         p[slot::shiftY] != 0.0 || p[slot::planeRotation] != 0.0 ||
-                         p[slot::secondShiftX] != 0.0 || p[slot::secondShiftY] != 0.0 ||
-                         p[slot::planeScale] != 1.0;
     constantX = p[slot::additiveX];
     constantY = p[slot::additiveY];
     originLatitude = p[slot::latitudeOfOrigin];
-    scheme = source.is(ProjectionKind::geographic)              ? Scheme::degrees
-             : source.is(ProjectionKind::geocentric) || reduced ? Scheme::unchecked
-             : source.is(ProjectionKind::soldner)               ? Scheme::local
-             : zones.hasStrips                                  ? Scheme::strips
-                                                                : Scheme::meridian;
+    if (source.is(ProjectionKind::geographic)) {
+        scheme = Scheme::degrees;
+    } else if (has_more_than_constants(p)) {
+        scheme = Scheme::unchecked;
+    } else if (source.is(ProjectionKind::soldner)) {
+        scheme = Scheme::local;
+    } else if (source.is(ProjectionKind::gaussKrueger)) {
+        scheme = zones.hasStrips ? Scheme::strips : Scheme::meridian;
+    }
 }
 
 Plausibility::Easting Plausibility::parted(double easting) const {
-    const double strip = std::trunc(easting / zoneUnit);
+    const int strip = zone_of(easting);
     return {strip, easting - constantY - strip * zoneUnit};
 }
 
-double Plausibility::meridian_of(double strip) const {
-    return central_meridian(zones, truncated_or_smallest(strip)) / degree;
+double Plausibility::meridian_of(int strip) const {
+    return central_meridian(zones, strip) / degree;
 }
 
 bool Plausibility::strip_fits(double easting) const {
     constexpr double metresOfDegree = 78e3;  // along the parallel of 45.5 degrees
     constexpr double widest = 6.0;           // degrees, of the strips in use
     const auto [strip, fromMeridian] = parted(easting);
-    const bool known = scheme == Scheme::strips ? strip != 0.0 && longitudes.holds(meridian_of(strip))
-                                                : strip == 0.0 || strip == zoneNumber;
+    const bool known = scheme == Scheme::strips ? strip != 0 && longitudes.holds(meridian_of(strip))
+                                                : strip == 0 || strip == zoneNumber;
     return known &&
            std::fabs(fromMeridian) <=
                (scheme == Scheme::strips ? static_cast<double>(zones.width) : widest) * metresOfDegree;
@@ -108,12 +108,12 @@ std::string Plausibility::likely_mistake(const std::array<double, 3>& point) con
     if (looks_exchanged(point)) {
         return "northing and easting look exchanged (--swap, or other --columns)";
     }
-    const double strip = parted(point[1]).strip;
+    const int strip = parted(point[1]).strip;
     const std::string easting = "the easting " + fixed_text(point[1], 0);
-    if (scheme == Scheme::strips && strip == 0.0) {
+    if (scheme == Scheme::strips && strip == 0) {
         return easting + " has no number of a strip in front, which this system wants";
     }
-    if (scheme == Scheme::meridian && strip != 0.0 && strip != zoneNumber) {
+    if (scheme == Scheme::meridian && strip != 0 && strip != zoneNumber) {
         return easting + " has the number of another strip than this system's";
     }
     return easting + " lies far from every meridian of this system";

@@ -21,11 +21,11 @@ class Plausibility {
 
   private:
     struct Easting {
-        double strip;         // the number in front
+        int strip;            // the number in front
         double fromMeridian;  // metres
     };
     [[nodiscard]] Easting parted(double easting) const;
-    [[nodiscard]] double meridian_of(double strip) const;  // degrees
+    [[nodiscard]] double meridian_of(int strip) const;  // degrees
     [[nodiscard]] bool strip_fits(double easting) const;
     [[nodiscard]] bool northing_fits(double northing) const;
     [[nodiscard]] bool looks_exchanged(const std::array<double, 3>& point) const;

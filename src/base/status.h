@@ -18,7 +18,7 @@ inline constexpr Status definitionEntryName = 700;
 // One code for each of the entries that a definition file can have.
 inline constexpr Status definitionEntries = 100;
 
-// Parameter files. The fields' own codes (8 to 48) stand in the table of datafiles/parameter_file.cpp; those that are
+// Parameter files. The fields' own codes (8 to 48) stand in the table of datafiles/parameter_file.h; those that are
 // needed elsewhere have names here. The two-column fields, 29 to 48, have theirs for the second column 41 above.
 inline constexpr Status parameterFileNotOpened = 7;
 inline constexpr Status codeUnreadable = 8;

@@ -61,6 +61,28 @@ enum Slot : std::size_t {
 
 }  // namespace slot
 
+// The main datum set, then the intermediate one, each in the order that data files have their fields in.
+inline constexpr std::array<std::size_t, 20> datumSlots = {slot::translationX,
+                                                           slot::translationY,
+                                                           slot::translationZ,
+                                                           slot::rotationX,
+                                                           slot::rotationY,
+                                                           slot::rotationZ,
+                                                           slot::datumScale,
+                                                           slot::reductionX,
+                                                           slot::reductionY,
+                                                           slot::reductionZ,
+                                                           slot::intermediateTranslationX,
+                                                           slot::intermediateTranslationY,
+                                                           slot::intermediateTranslationZ,
+                                                           slot::intermediateRotationX,
+                                                           slot::intermediateRotationY,
+                                                           slot::intermediateRotationZ,
+                                                           slot::intermediateScale,
+                                                           slot::intermediateReductionX,
+                                                           slot::intermediateReductionY,
+                                                           slot::intermediateReductionZ};
+
 // Whether a system lies in the Bessel datum, the hub of all datum transformations, by the name of its ellipsoid.
 [[nodiscard]] constexpr bool lies_in_bessel_datum(std::string_view ellipsoidName) noexcept {
     return ellipsoidName.starts_with("Bessel");

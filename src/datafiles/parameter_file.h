@@ -1,6 +1,7 @@
 // Parameter files (.tra, .tr0): the description of one system.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -25,16 +26,17 @@ enum class ParameterScan : std::uint8_t {
 };
 
 struct ParameterField {
-    ParameterScan scan;
-    Status failure;
+    ParameterScan scan = ParameterScan::number;
+    Status failure = status::ok;
     std::size_t slot = 0;  // of number, longitude and columns
     Check check = Check::none;
 };
 
-// The format: one data line a field, in this order. Latitudes are degrees in the file and radians in their slot.
+// The format: one data line a field, in this order, those of the datum sets last. Latitudes are degrees in the file and
+// radians in their slot.
 inline constexpr auto parameterFields = [] {
     using enum ParameterScan;
-    return std::to_array<ParameterField>({
+    constexpr auto ahead = std::to_array<ParameterField>({
         {code, status::codeUnreadable},
         {systemName, 10},
         {ellipsoidName, 11},
@@ -55,27 +57,14 @@ inline constexpr auto parameterFields = [] {
         {number, 26, slot::planeScale},
         {number, 27, slot::semiMajorAxis, Check::positive},
         {number, 28, slot::semiMinorAxis, Check::positive},
-        {columns, 29, slot::translationX},
-        {columns, 30, slot::translationY},
-        {columns, 31, slot::translationZ},
-        {columns, 32, slot::rotationX},
-        {columns, 33, slot::rotationY},
-        {columns, 34, slot::rotationZ},
-        {columns, 35, slot::datumScale},
-        {columns, 36, slot::reductionX},
-        {columns, 37, slot::reductionY},
-        {columns, 38, slot::reductionZ},
-        {columns, 39, slot::intermediateTranslationX},
-        {columns, 40, slot::intermediateTranslationY},
-        {columns, 41, slot::intermediateTranslationZ},
-        {columns, 42, slot::intermediateRotationX},
-        {columns, 43, slot::intermediateRotationY},
-        {columns, 44, slot::intermediateRotationZ},
-        {columns, 45, slot::intermediateScale},
-        {columns, 46, slot::intermediateReductionX},
-        {columns, 47, slot::intermediateReductionY},
-        {columns, 48, slot::intermediateReductionZ},
     });
+    std::array<ParameterField, ahead.size() + datumSlots.size()> fields = {};
+    std::copy(ahead.begin(), ahead.end(), fields.begin());
+    for (std::size_t at = 0; at < datumSlots.size(); ++at) {
+        fields[ahead.size() + at] = {columns, status::firstTwoColumns + static_cast<Status>(at),
+                                     datumSlots[at]};
+    }
+    return fields;
 }();
 
 inline constexpr std::string_view plainExtension = ".tra";

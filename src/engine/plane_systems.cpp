@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "base/int_cast.h"
 #include "geodesy/plane_reductions.h"
 
 namespace lagestatus {
@@ -31,7 +30,7 @@ Status plane_to_geographic(const Side& source, const Point& point, Geographic& r
     double lam0 = source.zones.lam0;
     if (source.traits.hasStrips) {
         const double m0 = p[slot::meridianScale];
-        const int zone = truncated_or_smallest((plane.easting + p[slot::additiveY]) / zoneUnit);
+        const int zone = zone_of(plane.easting + p[slot::additiveY]);
         plane = {plane.northing / m0, (plane.easting - zone * zoneUnit) / m0};
         lam0 = central_meridian(source.zones, zone);
     }

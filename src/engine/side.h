@@ -35,6 +35,8 @@ struct Side {
         : Side(role, system.projectionKind.view(), system.ellipsoidName.view(), system.parameters,
                system.zoneNumber, keepsDatumStep) {}
 
+    Side(Role role, SystemDescription&& system, bool keepsDatumStep = false) = delete;
+
     // From the source's datum into the Bessel datum, the hub of all datum transformations, and from there into the
     // target's. A side in the Bessel datum leaves the point as it is.
     [[nodiscard]] Geocentric through_datum(const Geocentric& point) const noexcept {

@@ -30,6 +30,10 @@ double with_complement(double value, double d) noexcept {
 
 }  // namespace
 
+bool has_more_than_constants(Parameters p) noexcept {
+    return has_scale(p) || p[slot::decadicComplement] != 0.0 || has_similarity(p);
+}
+
 PlanePoint reduce_to_projection(Parameters p, PlanePoint point) noexcept {
     auto [X, Y] = point;
     if (has_scale(p)) {

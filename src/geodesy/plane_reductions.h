@@ -7,6 +7,9 @@
 
 namespace lagestatus {
 
+// Whether more lies between than the additive constants: scale, complement or similarity.
+[[nodiscard]] bool has_more_than_constants(Parameters parameters) noexcept;
+
 // From the system's coordinates to those of its projection: scale, constants, complement, similarity. A Gauss-Krueger
 // system still has its zone and the scale of its meridian in them afterwards. Cannot fail; what is not finite stays so.
 [[nodiscard]] PlanePoint reduce_to_projection(Parameters parameters, PlanePoint point) noexcept;

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/int_cast.h"
+
 namespace lagestatus {
 
 inline constexpr double layoutsFrom = 360.0;  // degrees; a longitude of origin above is a layout of strips
@@ -30,6 +32,11 @@ struct ZoneLayout {
 [[nodiscard]] double central_meridian(const ZoneLayout& layout, int zone) noexcept;
 
 inline constexpr double zoneUnit = 1000000.0;  // metres; the zone's number stands in these of the easting
+
+// The number in front of an easting, cut towards zero; the smallest integer where 32 bits cannot hold it.
+[[nodiscard]] constexpr int zone_of(double easting) noexcept {
+    return truncated_or_smallest(easting / zoneUnit);
+}
 
 struct Zone {
     int number = 0;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <span>
+#include <utility>
 
 #include "base/angles.h"
 #include "base/int_cast.h"
@@ -15,43 +16,36 @@ namespace {
 
 using Unit = HeightField::Unit;
 
-template <std::size_t Slot>
-double& datum(HeightModel& model) noexcept {
-    return model.datum[Slot];
+// The fields of the datum sets, with the statuses that parameter files have for them.
+template <std::size_t... At>
+constexpr auto datum_fields(std::index_sequence<At...> /*at*/) noexcept {
+    return std::to_array<HeightField>(
+        {{status::firstTwoColumns + static_cast<Status>(At),
+          [](HeightModel& m) noexcept -> double& { return m.datum[datumSlots[At]]; }}...});
 }
 
 // The header: one data line a field, in this order; each holds one number, anything behind it is ignored.
-constexpr std::array<HeightField, heightFieldCount> fields = {{
-    {27, [](HeightModel& m) noexcept -> double& { return m.bessel.a; }, Check::positive},
-    {28, [](HeightModel& m) noexcept -> double& { return m.bessel.b; }, Check::positive},
-    {127, [](HeightModel& m) noexcept -> double& { return m.grs80.a; }, Check::positive},
-    {128, [](HeightModel& m) noexcept -> double& { return m.grs80.b; }, Check::positive},
-    {29, datum<slot::translationX>},
-    {30, datum<slot::translationY>},
-    {31, datum<slot::translationZ>},
-    {32, datum<slot::rotationX>},
-    {33, datum<slot::rotationY>},
-    {34, datum<slot::rotationZ>},
-    {35, datum<slot::datumScale>},
-    {36, datum<slot::reductionX>},
-    {37, datum<slot::reductionY>},
-    {38, datum<slot::reductionZ>},
-    {39, datum<slot::intermediateTranslationX>},
-    {40, datum<slot::intermediateTranslationY>},
-    {41, datum<slot::intermediateTranslationZ>},
-    {42, datum<slot::intermediateRotationX>},
-    {43, datum<slot::intermediateRotationY>},
-    {44, datum<slot::intermediateRotationZ>},
-    {45, datum<slot::intermediateScale>},
-    {46, datum<slot::intermediateReductionX>},
-    {47, datum<slot::intermediateReductionY>},
-    {48, datum<slot::intermediateReductionZ>},
-    {101, [](HeightModel& m) noexcept -> double& { return m.lamR; }, Check::notNegative, Unit::degrees},
-    {102, [](HeightModel& m) noexcept -> double& { return m.phiR; }, Check::notNegative, Unit::degrees},
-    {103, [](HeightModel& m) noexcept -> double& { return m.xiR; }, Check::none, Unit::arcSeconds},
-    {104, [](HeightModel& m) noexcept -> double& { return m.etaR; }, Check::none, Unit::arcSeconds},
-    {105, [](HeightModel& m) noexcept -> double& { return m.zetaR; }},
-}};
+constexpr auto fields = [] {
+    constexpr auto axes = std::to_array<HeightField>({
+        {27, [](HeightModel& m) noexcept -> double& { return m.bessel.a; }, Check::positive},
+        {28, [](HeightModel& m) noexcept -> double& { return m.bessel.b; }, Check::positive},
+        {127, [](HeightModel& m) noexcept -> double& { return m.grs80.a; }, Check::positive},
+        {128, [](HeightModel& m) noexcept -> double& { return m.grs80.b; }, Check::positive},
+    });
+    constexpr auto datum = datum_fields(std::make_index_sequence<datumSlots.size()>());
+    constexpr auto rauenberg = std::to_array<HeightField>({
+        {101, [](HeightModel& m) noexcept -> double& { return m.lamR; }, Check::notNegative, Unit::degrees},
+        {102, [](HeightModel& m) noexcept -> double& { return m.phiR; }, Check::notNegative, Unit::degrees},
+        {103, [](HeightModel& m) noexcept -> double& { return m.xiR; }, Check::none, Unit::arcSeconds},
+        {104, [](HeightModel& m) noexcept -> double& { return m.etaR; }, Check::none, Unit::arcSeconds},
+        {105, [](HeightModel& m) noexcept -> double& { return m.zetaR; }},
+    });
+    std::array<HeightField, heightFieldCount> all;
+    auto end = std::copy(axes.begin(), axes.end(), all.begin());
+    end = std::copy(datum.begin(), datum.end(), end);
+    std::copy(rauenberg.begin(), rauenberg.end(), end);
+    return all;
+}();
 constexpr std::size_t axesOfBessel = 2;  // the first fields
 
 double converted(Unit unit, double value) noexcept {

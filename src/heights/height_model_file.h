@@ -47,8 +47,8 @@ inline constexpr std::string_view heightModelFileName = "hoehe.ini";
 struct HeightField {
     enum class Unit : std::uint8_t { asWritten, degrees, arcSeconds };  // angles are radians once read
 
-    Status failure;
-    double& (*place)(HeightModel&) noexcept;
+    Status failure = status::ok;
+    double& (*place)(HeightModel&) noexcept = nullptr;
     Check check = Check::none;
     Unit unit = Unit::asWritten;
 };

@@ -18,6 +18,14 @@ namespace {
 
 using namespace lagestatus;
 
+// The sizes that the header promises are those inside.
+static_assert(LAGESTATUS_NAME_SIZE == nameSize && LAGESTATUS_MAX_ENTRIES == maxEntries);
+static_assert(LAGESTATUS_NAME_SIZE == SystemDescription::SystemName::maxLength + 1);
+static_assert(LAGESTATUS_ELLIPSOID_SIZE == SystemDescription::EllipsoidName::maxLength + 1);
+static_assert(LAGESTATUS_KIND_SIZE == SystemDescription::KindText::maxLength + 1);
+static_assert(LAGESTATUS_PARAMETER_COUNT == parameterCount &&
+              LAGESTATUS_RESULT_SIZE == std::tuple_size_v<Result>);
+
 constexpr int flagSet = -1;        // of the two height flags
 constexpr int scrambledFiles = 1;  // of the scrambled flag
 
