@@ -114,7 +114,8 @@ int import_system(const ImportOptions& options) {
     const bool toFile = !options.output.empty() && options.output != "-";
     try {
         if (toFile && !options.output.ends_with(plainExtension)) {
-            throw Refused("-o " + options.output + ": a parameter file's name ends in " + std::string(plainExtension));
+            throw Refused("-o " + options.output + ": a parameter file's name ends in " +
+                          std::string(plainExtension));
         }
         const Imported done = imported(options);
         if (toFile) {
@@ -150,8 +151,7 @@ Command import_command() {
     command.add("-o, --output FILE.tra", &options->output, "File to write; without it, standard output");
     command.add("--force", &options->force, "Replace an existing file");
     command.add("--name TEXT", &options->name, "Name of the system", {.required = true});
-    command.add("--kind KIND", &options->kind, "Kind of projection",
-                {.required = true, .choices = kinds});
+    command.add("--kind KIND", &options->kind, "Kind of projection", {.required = true, .choices = kinds});
     command.add(
         "--ellipsoid NAME", &options->ellipsoid,
         "Bessel 1841, GRS80, WGS84, Krassowski 1940, International 1924 (Hayford), Airy 1830, Clarke 1866, "

@@ -1,6 +1,6 @@
 // scramble and unscramble: the two forms of parameter files and height models.
-#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "commands/commands.h"

@@ -1,7 +1,6 @@
 // Points carried there and back: what a system's description is worth.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <map>
 #include <stdexcept>

@@ -1,6 +1,5 @@
 // What an import tells the user: whether the file is right, and what it does.
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <string>

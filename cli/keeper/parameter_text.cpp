@@ -8,8 +8,8 @@
 namespace cli {
 namespace {
 
-constexpr std::size_t ofSet =
-    10;  // fields of a datum set; the intermediate set's follow those of the main one
+// Fields of a datum set; those of the intermediate set follow those of the main one.
+constexpr std::size_t ofSet = datumSlots.size() / 2;
 
 // What stands above each data line; those of the intermediate set are the main set's with an addition.
 constexpr std::array<const char*, parameterFields.size() - ofSet> labels = {

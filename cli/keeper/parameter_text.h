@@ -2,9 +2,7 @@
 #pragma once
 
 #include <array>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "keeper/data_directory.h"

@@ -110,7 +110,8 @@
 #ifndef LAGESTATUS_H
 #define LAGESTATUS_H
 
-/* Visual C++ and others on Windows: define LAGESTATUS_USE_WCHAR ahead of this header to pass L"..." and std::wstring. */
+/* Visual C++ and others on Windows: define LAGESTATUS_USE_WCHAR ahead of this header to pass L"..." and
+ * std::wstring. */
 #if defined(__cplusplus) && defined(_WIN32) && defined(LAGESTATUS_USE_WCHAR)
 typedef wchar_t lagestatus_char;
 #elif defined(__cplusplus)

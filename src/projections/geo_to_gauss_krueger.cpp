@@ -3,9 +3,9 @@
 // The isometric latitude q and the longitude l from the central meridian make the complex isometric latitude
 // w = q + i l. The complex latitude Z that belongs to it solves  w = artanh(sin Z) - e artanh(e sin Z),  by the
 // iteration  sin Z' = tanh(w + e artanh(e sin Z)).  The coordinates are the meridian arc at Z,
-// x + i y = G(Z) - G(phi0). One loop refines Z by a step and lengthens the arc's series by a term. Reference: L. Krueger, Konforme
-// Abbildung des Erdellipsoids in der Ebene, Veroeffentlichung des Koeniglich Preuszischen Geodaetischen Institutes,
-// Neue Folge 52, 1912, for the mapping; the loop is this library's own form of it.
+// x + i y = G(Z) - G(phi0). One loop refines Z by a step and lengthens the arc's series by a term. Reference: L.
+// Krueger, Konforme Abbildung des Erdellipsoids in der Ebene, Veroeffentlichung des Koeniglich Preuszischen
+// Geodaetischen Institutes, Neue Folge 52, 1912, for the mapping; the loop is this library's own form of it.
 //
 //   symbol          meaning
 //   Q, L            real and imaginary part of w + e artanh(e sin Z)
