@@ -141,7 +141,7 @@ TEST(DataFile, TakesDirectoriesInEveryForm) {
         directory.write(below + "DEFAULT", "# Verzeichnis\r\n" + std::to_string(--count) + "\r\n");
         directory.write(below + "\xD6rtlich.tra", join(good_lines(), "\r\n"));
     }
-    const std::size_t handles = open_file_handles();
+    const NoHandleLeft handles;
     const fs::path before = fs::current_path();
     for (const Row& row : rows("directories.tsv")) {
         SCOPED_TRACE(row[0] + " in " + row[1]);
@@ -159,17 +159,17 @@ TEST(DataFile, TakesDirectoriesInEveryForm) {
         EXPECT_EQ(system.kind, found ? "Geographisch" : "");
     }
     fs::current_path(before);
-    EXPECT_EQ(open_file_handles(), handles);
     const DataDirectory another;
     another.write("file", "");
     lagestatus::DataFile file;
+    const int closed = open_file_handles();
     EXPECT_TRUE(file.open(another.path(), "file"));
-    EXPECT_EQ(open_file_handles(), handles + 1) << "they are counted";
+    EXPECT_NE(open_file_handles(), closed) << "they are counted";
 }
 
 TEST(DefinitionFile, ReportsEveryDefectAndKeepsWhatItRead) {
     const DataDirectory directory;
-    const std::size_t handles = open_file_handles();
+    const NoHandleLeft handles;
     for (const Row& row : rows("definition_files.tsv")) {
         SCOPED_TRACE(row[0].substr(0, 30));
         directory.write("DEFAULT", row[0]);
@@ -199,7 +199,6 @@ TEST(DefinitionFile, ReportsEveryDefectAndKeepsWhatItRead) {
     EXPECT_EQ(full.names[99], "n99");
     directory.write("DEFAULT", hundred.substr(0, hundred.size() - 2));
     EXPECT_EQ(list(directory.path(), 99).status, 799);
-    EXPECT_EQ(open_file_handles(), handles);
 }
 
 TEST(ParameterFile, FillsEverySlot) {
@@ -214,7 +213,7 @@ TEST(ParameterFile, FillsEverySlot) {
     std::vector<std::pair<std::string, int>> files = {{"plain", 0}, {"dos", 7}};
     for (const int key : {1, 2, 7, 30, 100}) {
         files.emplace_back("key" + std::to_string(key), 1);
-        directory.write(files.back().first + ".tr0", scrambled(good_lines(), key));
+        directory.write(files.back().first + ".tr0", scrambled(join(good_lines()), key));
     }
     for (const auto& [base, flag] : files) {
         for (const Role role : {Role::source, Role::target}) {
@@ -235,25 +234,24 @@ TEST(ParameterFile, FillsEverySlot) {
 
 TEST(ParameterFile, ReportsEveryDefectAndKeepsWhatItRead) {
     const DataDirectory directory;
-    const std::size_t handles = open_file_handles();
+    const NoHandleLeft handles;
     for (const Row& row : rows("parameter_files.tsv")) {
         auto lines = good_lines();
         lines[std::stoul(row[0]) - 1] = row[1];
         directory.write("f.tra", join(lines));
-        directory.write("f.tr0", scrambled(lines, 5));
+        directory.write("f.tr0", scrambled(join(lines), 5));
         for (const int flag : {0, 1}) {
             for (const Role role : {Role::source, Role::target}) {
                 SCOPED_TRACE(row[0] + ": " + row[1].substr(0, 30) +
                              (role == Role::source ? " source" : " target"));
                 const Description system = describe(role, directory.path(), "f", flag, 17);
                 EXPECT_EQ(system.status, std::stoi(row[role == Role::source ? 2 : 3]));
-                EXPECT_EQ((Row{system.name, system.ellipsoid, system.kind}), (Row{row[4], row[5], row[6]}));
+                EXPECT_EQ(system.row(), (Row{row[4], row[5], row[6]}));
                 EXPECT_EQ(system.zone, role == Role::target ? std::stoi(row[7]) : -9);
                 EXPECT_EQ(system.parameters == std::vector<double>(36, untouched), system.status != 0);
             }
         }
     }
-    EXPECT_EQ(open_file_handles(), handles);
 }
 
 TEST(ParameterFile, EndsEarly) {
