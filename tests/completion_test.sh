@@ -2,7 +2,7 @@
 # What the completion of bash offers, and that help, manual and completion tell of the same options.
 # Usage: completion_test.sh PROGRAM SAMPLE_DIRECTORY
 program=$1
-sample=$2
+export sample=$2 # for the words of the cases
 # shellcheck source=/dev/null
 source <("$program" completion bash)
 failures=0
@@ -28,25 +28,9 @@ check() {
     }
 }
 
-check 'show' sh
-check '--version -h --help' -
-check '101 102 103 104 105' show -d "$sample" 10
-check '301 303' show --dir = "$sample" 3
-check '301 303' show "-d$sample" 3
-check '301 303' show -d "'$sample'" 3
-check '-d --dir --json -h --help' show -d "$sample" 101 ''
-check '' show -d /nowhere ''
-check '201 202 203' transform --dir "$sample" --from 101 --to 20
-check '201 202 203' transform --dir "$sample" --from 101 --to = 20
-check 'e n' transform --height ''
-check 'e n' transform --height =
-check '' transform --jobs ''
-check 'default' transform first ''
-check 'default' transform --output ''
-check 'default' check --map ''
-check 'position_vector coordinate_frame' import --convention ''
-check 'dirnames' list -d ''
-check 'bash zsh fish' completion ''
+while IFS='|' read -r expected words; do
+    eval "check '$expected' $words"
+done < <(grep -v '^#' "$(dirname "$0")/data/completions.txt")
 
 complete_line ''
 commands=("${COMPREPLY[@]}")

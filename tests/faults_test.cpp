@@ -162,7 +162,7 @@ class Faults : public ::testing::Test {
             lines[2] = "\"Bessel\"";
             one->write(upper ? "default" : "DEFAULT", "2 1\n17 4\n\"f\"\n18 -5\n\"g\"\n");
             one->write(upper ? "F.TRA" : "f.tra", join(lines));
-            one->write(upper ? "F.TR0" : "f.tr0", scrambled(lines, 7));
+            one->write(upper ? "F.TR0" : "f.tr0", scrambled(join(lines), 7));
             auto model = good_model();
             for (const std::ptrdiff_t line : {31, 20, 0}) {
                 model.insert(model.begin() + line, "# comment");
@@ -172,25 +172,18 @@ class Faults : public ::testing::Test {
     }
 
     static Action listing(const DataDirectory& in) {
-        return [path = in.path()] {
+        return [path = in.path(), good = list(in.path())] {
             const Listing l = list(path);
-            const auto complete =
-                static_cast<std::size_t>(std::ranges::count_if(l.codes, [](int c) { return c != -9; }));
+            const auto complete = std::ranges::count_if(l.codes, [](int c) { return c != -9; });
             EXPECT_TRUE(l.status == 0 ? complete == 2 : complete < 2);
             EXPECT_TRUE(l.count == 2 || (l.count == 0 && l.flag == 0 && complete == 0));
-            std::array<int, 100> codes, auxiliary;
-            codes.fill(-9);
-            auxiliary.fill(-9);
-            std::vector<char16_t> slots(l.slots.size(), textFill);
-            for (std::size_t entry = 0; entry < complete; ++entry) {
-                codes[entry] = entry == 0 ? 17 : 18;
-                auxiliary[entry] = entry == 0 ? 4 : -5;
-                slots[100 * entry] = entry == 0 ? u'f' : u'g';
-                slots[100 * entry + 1] = u'\0';
-            }
-            EXPECT_EQ(l.codes, codes);
-            EXPECT_EQ(l.auxiliary, auxiliary);
-            EXPECT_EQ(l.slots, slots) << "nothing behind what is complete";
+            Listing expected = good;
+            std::fill(expected.codes.begin() + complete, expected.codes.end(), -9);
+            std::fill(expected.auxiliary.begin() + complete, expected.auxiliary.end(), -9);
+            std::fill(expected.slots.begin() + 100 * complete, expected.slots.end(), textFill);
+            EXPECT_EQ(l.codes, expected.codes);
+            EXPECT_EQ(l.auxiliary, expected.auxiliary);
+            EXPECT_EQ(l.slots, expected.slots) << "nothing behind what is complete";
             return Outcome{l.status, {static_cast<double>(complete)}};
         };
     }
@@ -201,7 +194,7 @@ class Faults : public ::testing::Test {
             EXPECT_TRUE(d.zone == (role == Role::source ? -9 : 3) ||
                         (role == Role::target && d.status != 0 && d.zone == 0))
                 << d.zone;
-            return Outcome{d.status, d.parameters, {d.name, d.ellipsoid, d.kind}};
+            return Outcome{d.status, d.parameters, d.row()};
         };
     }
     static Action transformation(const DataDirectory& in) {
@@ -211,19 +204,18 @@ class Faults : public ::testing::Test {
             EXPECT_NEAR(t.result[0], none ? 0 : 51.3, 1e-12);
             EXPECT_EQ(t.result[2], none ? 0 : 100);
             EXPECT_TRUE(t.status < 1000 || t.result[3] == 100) << "no height anomaly";
-            return Outcome{t.status,
-                           {t.result.begin(), t.result.end()},
-                           {t.sourceName, t.sourceEllipsoid, t.sourceKind, t.targetName, t.targetEllipsoid,
-                            t.targetKind}};
+            Row texts = t.source.row();
+            std::ranges::copy(t.target.row(), std::back_inserter(texts));
+            return Outcome{t.status, {t.result.begin(), t.result.end()}, texts};
         };
     }
-    static Action iteration(const DataDirectory& in) {
-        return [path = in.path()] {
+    static Action road(const DataDirectory& in, const char* ellipsoid, int sourceFlag) {
+        return [path = in.path(), ellipsoid, sourceFlag] {
             Road road = {.directory = path,
                          .point = {51.3, 9.4, 100, 0},
-                         .sourceEllipsoid = "GRS80",
-                         .targetEllipsoid = "GRS80",
-                         .sourceFlag = -1,
+                         .sourceEllipsoid = ellipsoid,
+                         .targetEllipsoid = ellipsoid,
+                         .sourceFlag = sourceFlag,
                          .targetFlag = -1};
             const int status = road.run();
             const auto& [phi, lam, h, normal] = road.point;
@@ -232,19 +224,12 @@ class Faults : public ::testing::Test {
             EXPECT_TRUE(there ||
                         (status != 0 && same_bits(std::span(road.point).first(3), std::array{0.0, 0.0, 0.0})))
                 << h;
-            EXPECT_EQ(normal, 100);
+            EXPECT_TRUE(normal == 100 || (status == 0 && sourceFlag == 0)) << "no height anomaly";
             return Outcome{status, {road.point.begin(), road.point.end()}};
         };
     }
-
-    static Action anomaly(const DataDirectory& in) {
-        return [path = in.path()] {
-            Road road = {.directory = path, .point = {51.3, 9.4, 100, 0}, .targetFlag = -1};
-            const int status = road.run();
-            EXPECT_TRUE(status == 0 || road.point[3] == 100) << "no height anomaly";
-            return Outcome{status, {road.point.begin(), road.point.end()}};
-        };
-    }
+    static Action iteration(const DataDirectory& in) { return road(in, "GRS80", -1); }
+    static Action anomaly(const DataDirectory& in) { return road(in, "Bessel", 0); }
 
     [[nodiscard]] std::vector<Action> actions() const {
         return {listing(directory),
@@ -314,7 +299,6 @@ int status_struck(const std::vector<Made>& made, std::size_t at, int error, bool
 }
 
 TEST_F(Faults, GiveTheirStatusWhereverTheyStrike) {
-    std::size_t faults = 0;
     std::set<std::string> calls;
     for (std::size_t number = 0; const Action& action : actions()) {
         for (const std::size_t most : {never, std::size_t{600}}) {
@@ -334,7 +318,6 @@ TEST_F(Faults, GiveTheirStatusWhereverTheyStrike) {
                                      << " errno " << error << (onwards ? " onwards" : ""));
                         Scene play = {.failing = at, .error = error, .onwards = onwards, .most = most};
                         const Outcome outcome = played(play, action);
-                        ++faults;
                         const int status = status_struck(undisturbed.made, at, error, onwards);
                         EXPECT_EQ(outcome.status, status);
                         EXPECT_TRUE(status != 0 || outcome == right);
@@ -350,7 +333,6 @@ TEST_F(Faults, GiveTheirStatusWhereverTheyStrike) {
     }
     EXPECT_EQ(calls, (std::set<std::string>{"close", "list", "open", "read", "seek", "stat"}))
         << "not all go this way";
-    RecordProperty("faults", std::to_string(faults));
 }
 
 TEST_F(Faults, ReadsMayGiveAnyNumberOfBytes) {

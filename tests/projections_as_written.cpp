@@ -101,30 +101,16 @@ double next_d(double d, int j) {
     return ((j * 2.0 + 2) * d) / (j * 2.0 + 3);
 }
 
-// The two sums of a geodesic for m, with the remainders by the known reduced latitude.
-void sums(int m, double x, double sb, double& P, double& Q) {
+// The two sums of a geodesic for m, with the remainders by the sine of the point's reduced latitude, or of its arc.
+void sums(int m, double x, double sine, double& P, double& Q, bool byArc = false) {
     double alpha = 1, d = 1, xj = 1, R = 0;
     P = 0;
     Q = 0;
     for (int j = 0; j <= m; ++j) {
         P = P + (xj * alpha) * binomial(m, j);
         Q = Q + (R * alpha) * binomial(m, j);
-        R = (pow(sb, j * 2.0) * d + R) * x;
-        alpha = next_alpha(alpha, j);
-        d = next_d(d, j);
-        xj = xj * x;
-    }
-}
-
-// The same with the remainders by the arc.
-void sums_by_arc(int m, double x, double sigma, double& P, double& Q) {
-    double alpha = 1, d = 1, xj = 1, R = 0;
-    P = 0;
-    Q = 0;
-    for (int j = 0; j <= m; ++j) {
-        P = P + (xj * alpha) * binomial(m, j);
-        Q = Q + (R * alpha) * binomial(m, j);
-        R = ((pow(sin(sigma), j * 2.0) * d) * pow(x, j) + R) * x;
+        const double t = pow(sine, j * 2.0) * d;
+        R = ((byArc ? t * pow(x, j) : t) + R) * x;
         alpha = next_alpha(alpha, j);
         d = next_d(d, j);
         xj = xj * x;
@@ -381,7 +367,7 @@ int soldner_to_geo(double a, double b, double y, double x, double phi0, double l
         double g = 1;
         const double s2 = sin(sigmaOld * 2);
         for (k = 1; k <= n; ++k) {
-            sums_by_arc(k, xf, sigmaOld, P, Q);
+            sums(k, xf, sin(sigmaOld), P, Q, true);
             g = next_g(g, e2, k);
             sigma = (sigma - (sigmaOld * g) * P) + ((s2 * g) * Q) * 0.5;
         }

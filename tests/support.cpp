@@ -5,13 +5,18 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <random>
 #include <sstream>
+
+#include "datafiles/field_scanner.h"
+#include "datafiles/scrambling.h"
 
 #ifdef _WIN32
 #include <windows.h>
 #else
 #include <pthread.h>
+#include <unistd.h>
 #endif
 
 namespace testing_support {
@@ -79,15 +84,29 @@ std::string narrow(const std::vector<char16_t>& units) {
     return text;
 }
 
-std::string message(int code, const std::u16string& fileName, std::size_t size) {
-    Buffer<char16_t> name(fileName + u'\0'), buffer(size, textFill);
+std::u16string message(int code, const std::u16string& fileName) {
+    static const auto catalogue = [] {
+        std::map<int, std::u16string> texts;
+        for (const Row& row : rows("messages.tsv")) {
+            texts[std::stoi(row[0])] = wide(row[1]);
+        }
+        return texts;
+    }();
+    const auto found = catalogue.find(code);
+    std::u16string expected = found == catalogue.end() ? std::u16string() : found->second;
+    const std::size_t place = expected.find(u"NAME");
+    const bool namesFile = place != std::u16string::npos;
+    expected = namesFile ? expected.replace(place, 4, fileName) : expected;
+    EXPECT_LT(expected.size(), namesFile ? 91 + fileName.size() : 129);
+    Buffer<char16_t> name(fileName + u'\0'), buffer(expected.size() + 1, textFill);
     guarded([&] { return transfm_dll(code, name.get(), buffer.get()), 0; });
-    return narrow(buffer.values());
+    EXPECT_TRUE(std::ranges::equal(buffer.values(), expected + u'\0')) << code;
+    return expected;
 }
 
 #ifdef _WIN32
-std::size_t open_file_handles() {
-    std::size_t handles = 0;
+int open_file_handles() {
+    int handles = 0;
     // One by one: the system's own count is always 0 under Wine.
     for (std::uintptr_t handle = 4; handle < 16384; handle += 4) {
         handles += GetFileType(reinterpret_cast<HANDLE>(handle)) != FILE_TYPE_UNKNOWN ? 1 : 0;
@@ -99,33 +118,28 @@ std::filesystem::path on_disk(const std::string& name) {
     return wide(name);
 }
 
-namespace {
-
-void in_thread(std::size_t stackSize, const std::function<void()>& work) {
+void on_small_stack(std::size_t size, const std::function<void()>& work) {
     const auto run = [](void* function) -> DWORD {
         (*static_cast<const std::function<void()>*>(function))();
         return 0;
     };
-    HANDLE const thread = CreateThread(nullptr, stackSize, run, const_cast<std::function<void()>*>(&work),
+    HANDLE const thread = CreateThread(nullptr, size, run, const_cast<std::function<void()>*>(&work),
                                        STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
     EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
     CloseHandle(thread);
 }
-
-}  // namespace
 #else
-std::size_t open_file_handles() {
-    const std::filesystem::directory_iterator handles("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(handles), end(handles)));
+int open_file_handles() {
+    const int next = dup(STDERR_FILENO);
+    close(next);
+    return next;
 }
 
 std::filesystem::path on_disk(const std::string& name) {
     return name;
 }
 
-namespace {
-
-void in_thread(std::size_t stackSize, const std::function<void()>& work) {
+void on_small_stack(std::size_t size, const std::function<void()>& work) {
     const auto run = [](void* function) -> void* {
         (*static_cast<const std::function<void()>*>(function))();
         return nullptr;
@@ -133,44 +147,12 @@ void in_thread(std::size_t stackSize, const std::function<void()>& work) {
     pthread_attr_t attributes;
     pthread_t thread = {};
     EXPECT_EQ(pthread_attr_init(&attributes), 0);
-    EXPECT_EQ(pthread_attr_setstacksize(&attributes, stackSize), 0);
+    EXPECT_EQ(pthread_attr_setstacksize(&attributes, size), 0);
     EXPECT_EQ(pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)), 0);
     EXPECT_EQ(pthread_join(thread, nullptr), 0);
     EXPECT_EQ(pthread_attr_destroy(&attributes), 0);
 }
-
-}  // namespace
 #endif
-
-namespace {
-
-constexpr unsigned char paint = 0xA5;
-
-// Both have their bytes where the next function called has its frame.
-[[gnu::noinline]] void paint_stack(std::size_t size) {
-    void* const bytes = __builtin_alloca(size);
-    std::memset(bytes, paint, size);
-    asm volatile("" : : "r"(bytes) : "memory");
-}
-[[gnu::noinline]] std::size_t used_stack(std::size_t size) {
-    auto* bytes = static_cast<unsigned char*>(__builtin_alloca(size));
-    asm volatile("" : "+r"(bytes) : : "memory");
-    return static_cast<std::size_t>(bytes + size -
-                                    std::find_if(bytes, bytes + size, [](auto b) { return b != paint; }));
-}
-
-}  // namespace
-
-std::size_t on_small_stack(std::size_t size, const std::function<void()>& work) {
-    std::size_t used = 0;
-    in_thread(size, [&] {
-        const std::size_t free = size - 16384;  // but for what the thread itself has there
-        paint_stack(free);
-        work();
-        used = used_stack(free - 4096);  // its own frame may be the larger one
-    });
-    return used;
-}
 
 DataDirectory::DataDirectory() {
     do {
@@ -253,13 +235,14 @@ std::string join(const std::vector<std::string>& lines, std::string_view lineEnd
     return text;
 }
 
-std::string scrambled(const std::vector<std::string>& lines, int key) {
+std::string scrambled(std::string_view plain, int key) {
     std::string text = std::to_string(key) + "\n";
-    for (const std::string& line : lines) {
-        for (int position = 0; const char character : line) {
-            text.push_back(static_cast<char>(character + key - 1 - position++ % key));
-        }
-        text.push_back('\n');
+    lagestatus::LineShift shift(key);
+    bool begun = false;  // the line, with a character that is no blank
+    for (const char character : plain) {
+        shift = begun ? shift : lagestatus::LineShift(key);
+        begun = character != '\n' && (begun || !lagestatus::is_blank(character));
+        text += character == '\n' ? character : shift.store(character);
     }
     return text;
 }
@@ -284,22 +267,32 @@ Listing list(const std::string& directory, std::size_t names) {
     return listing;
 }
 
+namespace {
+
+struct TextBuffers {
+    Buffer<char16_t> name{100, textFill}, ellipsoid{11, textFill}, kind{14, textFill};
+    void copy_to(Texts& texts) const {
+        texts = {narrow(name.values()), narrow(ellipsoid.values()), narrow(kind.values())};
+    }
+};
+
+}  // namespace
+
 Description describe(Role role, const std::string& directory, const std::string& base, int scrambledFlag,
                      int code) {
-    Buffer<char16_t> name(100, textFill), ellipsoid(11, textFill), kind(14, textFill), dir = text(directory),
-                                                                                       file = text(base);
+    TextBuffers texts;
+    Buffer<char16_t> dir = text(directory), file = text(base);
     Buffer<double> parameters(36, untouched);
     Buffer<int> zone(1, -9);
     Description system;
     system.status = guarded([&] {
-        return role == Role::source ? transla_dll(dir.get(), file.get(), scrambledFlag, code, name.get(),
-                                                  ellipsoid.get(), kind.get(), parameters.get())
-                                    : translz_dll(dir.get(), file.get(), scrambledFlag, code, name.get(),
-                                                  ellipsoid.get(), kind.get(), zone.get(), parameters.get());
+        return role == Role::source
+                   ? transla_dll(dir.get(), file.get(), scrambledFlag, code, texts.name.get(),
+                                 texts.ellipsoid.get(), texts.kind.get(), parameters.get())
+                   : translz_dll(dir.get(), file.get(), scrambledFlag, code, texts.name.get(),
+                                 texts.ellipsoid.get(), texts.kind.get(), zone.get(), parameters.get());
     });
-    system.name = narrow(name.values());
-    system.ellipsoid = narrow(ellipsoid.values());
-    system.kind = narrow(kind.values());
+    texts.copy_to(system);
     system.zone = zone.values()[0];
     system.parameters = parameters.values();
     return system;
@@ -307,25 +300,20 @@ Description describe(Role role, const std::string& directory, const std::string&
 
 Transformed transform(const std::string& directory, int from, int to, const std::array<double, 3>& point,
                       char heightMode) {
-    Buffer<char16_t> sourceName(100, textFill), sourceEllipsoid(11, textFill), sourceKind(14, textFill);
-    Buffer<char16_t> targetName(100, textFill), targetEllipsoid(11, textFill), targetKind(14, textFill);
+    TextBuffers source, target;
     Buffer<double> result(4, untouched);
     Buffer<int> auxiliary(2);
     Buffer<char16_t> dir = text(directory);
     Transformed done;
     done.status = guarded([&] {
         return trans_dll(point[0], point[1], point[2], from, to, dir.get(), &heightMode, result.get(),
-                         sourceName.get(), auxiliary.get(), sourceEllipsoid.get(), sourceKind.get(),
-                         targetName.get(), targetEllipsoid.get(), targetKind.get());
+                         source.name.get(), auxiliary.get(), source.ellipsoid.get(), source.kind.get(),
+                         target.name.get(), target.ellipsoid.get(), target.kind.get());
     });
     std::ranges::copy(result.values(), done.result.begin());
     std::ranges::copy(auxiliary.values(), done.auxiliary.begin());
-    done.sourceName = narrow(sourceName.values());
-    done.sourceEllipsoid = narrow(sourceEllipsoid.values());
-    done.sourceKind = narrow(sourceKind.values());
-    done.targetName = narrow(targetName.values());
-    done.targetEllipsoid = narrow(targetEllipsoid.values());
-    done.targetKind = narrow(targetKind.values());
+    source.copy_to(done.source);
+    target.copy_to(done.target);
     return done;
 }
 

@@ -37,18 +37,20 @@ inline bool same_bits(std::span<const double> left, std::span<const double> righ
     return std::ranges::equal(left, right, {}, bits, bits);
 }
 
-// The largest of some deviations; one that is not a number counts as infinite.
-class Largest {
+// Some deviations, the largest of which must be below a tolerance; one that is not a number counts as infinite.
+class Deviations {
   public:
+    Deviations(const char* what, double tolerance) : of(what), tol(tolerance) {}
+    ~Deviations() { EXPECT_LT(largest, tol) << of; }
     void add(std::initializer_list<double> deviations) {
         for (const double deviation : deviations) {
-            value = std::isnan(deviation) ? infinity : std::max(value, std::fabs(deviation));
+            largest = std::isnan(deviation) ? infinity : std::max(largest, std::fabs(deviation));
         }
     }
-    [[nodiscard]] double get() const { return value; }
 
   private:
-    double value = 0;
+    const char* of;
+    double tol, largest = 0;
 };
 
 struct NamedEllipsoid {
@@ -118,10 +120,21 @@ class Buffer {
 std::u16string wide(std::string_view text);
 Buffer<char16_t> text(std::string_view text);
 std::string narrow(const std::vector<char16_t>& units);
-// The message of transfm_dll, for a buffer of size units.
-std::string message(int code, const std::u16string& fileName, std::size_t size);
+// The message of transfm_dll, in a buffer with not a unit more. It must be that of the catalogue, and of the promised
+// length.
+std::u16string message(int code, const std::u16string& fileName);
 
-std::size_t open_file_handles();
+// Another number when more or fewer file handles are open: on Windows how many, elsewhere the next one.
+int open_file_handles();
+
+// Checks by its destructor that no file handle is left open.
+class NoHandleLeft {
+  public:
+    ~NoHandleLeft() { EXPECT_EQ(open_file_handles(), before); }
+
+  private:
+    int before = open_file_handles();
+};
 
 // Heap memory asked for by this thread, if the program has heap_hook.cpp in it.
 inline thread_local std::size_t heapCalls = 0;
@@ -137,8 +150,8 @@ auto guarded(Call call) {
     return status;
 }
 
-// Runs work in a thread with a stack of size bytes (Wine gives a mebibyte at least); returns how much of it was used.
-std::size_t on_small_stack(std::size_t size, const std::function<void()>& work);
+// Runs work in a thread with a stack of size bytes (Wine gives a mebibyte at least); who needs more ends the program.
+void on_small_stack(std::size_t size, const std::function<void()>& work);
 
 // A path of the file system for a name in ISO 8859-1, as the library looks for it.
 std::filesystem::path on_disk(const std::string& name);
@@ -162,8 +175,8 @@ class DataDirectory {
 // A complete parameter file for the code 17, one element a data line.
 std::vector<std::string> good_lines();
 std::string join(const std::vector<std::string>& lines, std::string_view lineEnd = "\n");
-// The same lines as a scrambled file with its key.
-std::string scrambled(const std::vector<std::string>& lines, int key);
+// The same text as a scrambled file with its key.
+std::string scrambled(std::string_view plain, int key);
 
 constexpr double untouched = -4711.0;  // what arrays hold before a call
 inline char16_t textFill = u'x';       // and texts: two calls with two of them tell what was written
@@ -173,14 +186,24 @@ struct Listing {
     std::array<int, 100> codes = {}, auxiliary = {};
     std::vector<std::string> names;  // of the first entries, as many as asked for
     std::vector<char16_t> slots;     // all names as they were written
+    bool operator==(const Listing&) const = default;
 };
 Listing list(const std::string& directory, std::size_t names = 0);
 
-enum class Role { source, target };
-struct Description {
-    int status = 0, zone = -9;  // a zone number is read for targets only
+// What a call writes of a system.
+struct Texts {
     std::string name, ellipsoid, kind;
+    [[nodiscard]] Row row() const { return {name, ellipsoid, kind}; }
+};
+
+enum class Role { source, target };
+struct Description : Texts {
+    int status = 0, zone = -9;  // a zone number is read for targets only
     std::vector<double> parameters;
+    bool operator==(const Description& other) const {
+        return status == other.status && zone == other.zone && row() == other.row() &&
+               same_bits(parameters, other.parameters);
+    }
 };
 Description describe(Role role, const std::string& directory, const std::string& base, int scrambledFlag,
                      int code);
@@ -189,7 +212,7 @@ struct Transformed {
     int status = 0;
     std::array<double, 4> result = {};
     std::array<int, 2> auxiliary = {};
-    std::string sourceName, sourceEllipsoid, sourceKind, targetName, targetEllipsoid, targetKind;
+    Texts source, target;
 };
 // Success, or nothing missing but the normal height of a place beside the height model.
 inline bool carries_the_place(int status) {

@@ -12,11 +12,9 @@ Listing listing(std::string_view content) {
     const Listing first = list(memory().path());
     textFill = u'y';
     const Listing second = list(memory().path());
-    EXPECT_EQ(second.status, first.status);
-    EXPECT_EQ(second.flag, first.flag);
-    EXPECT_EQ(second.count, first.count);
-    EXPECT_EQ(second.codes, first.codes);
-    EXPECT_EQ(second.auxiliary, first.auxiliary);
+    Listing likewise = second;
+    likewise.slots = first.slots;
+    EXPECT_TRUE(likewise == first);
     std::size_t written = 0;
     while (written < 100 && first.slots[100 * written] == second.slots[100 * written]) {
         ++written;
@@ -49,13 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const auto linesAhead = input.take<std::uint16_t>();
     const Listing l = listing(input.rest());
     check(l);
-    if (const auto otherwise = rewritten(input.rest(), linesAhead)) {
-        const Listing same = listing(*otherwise);
-        EXPECT_EQ(same.status, l.status);
-        EXPECT_EQ(same.codes, l.codes);
-        EXPECT_EQ(same.auxiliary, l.auxiliary);
-        EXPECT_EQ(same.names, l.names);
-    }
+    const auto otherwise = rewritten(input.rest(), linesAhead);
+    EXPECT_TRUE(!otherwise || listing(*otherwise) == l);
     const NoHandleLeft handles;
     const int code = l.codes[0];
     const Transformed done = transform(memory().path(), code, code, {1, 2, 3});
@@ -65,9 +58,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (l.status != 0 || l.names.empty()) {
         EXPECT_EQ(done.status, l.status == 0 ? 93 : l.status);
         EXPECT_EQ(done.auxiliary, (std::array{-1, -1}));
-        EXPECT_TRUE((done.sourceName + done.sourceEllipsoid + done.sourceKind + done.targetName +
-                     done.targetEllipsoid + done.targetKind)
-                        .empty());
+        EXPECT_EQ(done.source.row(), Texts().row());
+        EXPECT_EQ(done.target.row(), Texts().row());
     } else {
         // A name may lead to a file somewhere else.
         expect_status(done.status, done.status == 7 || is_status_of_parameter_file(done.status) ||

@@ -4,19 +4,7 @@
 
 #include <cstdlib>
 
-#include "datafiles/field_scanner.h"
-
 namespace fuzzing {
-namespace {
-
-int lowest_free_handle() {
-    const int handle = dup(STDERR_FILENO);
-    close(handle);
-    return handle;
-}
-
-}  // namespace
-
 std::vector<char16_t> Input::units(std::size_t count) {
     std::vector<char16_t> text(count);
     for (char16_t& unit : text) {
@@ -28,11 +16,6 @@ std::vector<char16_t> Input::units(std::size_t count) {
 const DataDirectory& memory() {
     static const DataDirectory directory;
     return directory;
-}
-
-NoHandleLeft::NoHandleLeft() : lowestFree(lowest_free_handle()) {}
-NoHandleLeft::~NoHandleLeft() {
-    EXPECT_EQ(lowest_free_handle(), lowestFree);
 }
 
 bool between(int status, int first, int last) {
@@ -53,9 +36,7 @@ bool is_status_of_pipeline(int status) {
 
 void expect_status(int status, bool allowed) {
     EXPECT_TRUE(status == 0 || allowed) << status;
-    Buffer<char16_t> message(129 + 4, u'x');
-    transfm_dll(status, u"NAME", message.get());
-    EXPECT_EQ(narrow(message.values()).empty(), status == 0) << status;
+    EXPECT_EQ(message(status, u"NAME").empty(), status == 0) << status;
 }
 
 std::optional<std::string> rewritten(std::string_view content, std::uint16_t linesAhead) {
@@ -72,22 +53,16 @@ std::optional<std::string> rewritten(std::string_view content, std::uint16_t lin
 }
 
 Stored stored_file(Input& input) {
-    const auto choice = input.take<std::uint8_t>();
-    const std::string_view plain = input.rest();
-    const int key = choice - 127;
-    std::string text = std::to_string(key) + '\n';
-    int position = 0;
-    for (const char character : plain) {
-        const bool ends = character == '\n';
-        const char stored = static_cast<char>(character + key - 1 - position % std::max(key, 1));
-        if (key < 1 || (!ends && (stored == '\n' || stored == '\r')) || character == '\r' ||
-            position == 998) {
-            return {std::string(plain), false};
-        }
-        text += ends ? '\n' : stored;
-        position = ends ? 0 : position + (position > 0 || !lagestatus::is_blank(character) ? 1 : 0);
+    const int key = input.take<std::uint8_t>() - 127;
+    const std::string plain(input.rest());
+    const std::string text = scrambled(plain, std::max(key, 1));
+    const std::size_t head = text.find('\n') + 1;
+    bool same = key > 0 && plain.find('\r') == std::string::npos && text.find('\r') == std::string::npos;
+    for (std::size_t at = 0, length = 0; same && at < plain.size(); ++at) {
+        length = plain[at] == '\n' ? 0 : length + 1;
+        same = (text[head + at] == '\n') == (length == 0) && length < 999;
     }
-    return {text, key > 0};
+    return same ? Stored{text, true} : Stored{plain};
 }
 
 void check(const Reached& done, double heightGiven, bool heights) {

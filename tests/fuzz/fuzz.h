@@ -40,18 +40,6 @@ class Input {
 // The data directory that the input is written to, in memory.
 const DataDirectory& memory();
 
-// Checks by its destructor that no file handle is left open.
-class NoHandleLeft {
-  public:
-    NoHandleLeft();
-    ~NoHandleLeft();
-    NoHandleLeft(const NoHandleLeft&) = delete;
-    NoHandleLeft& operator=(const NoHandleLeft&) = delete;
-
-  private:
-    int lowestFree;
-};
-
 // Whether a call may return the status: one of those named, and not without a message.
 void expect_status(int status, bool allowed);
 bool between(int status, int first, int last);
@@ -68,7 +56,7 @@ std::optional<std::string> rewritten(std::string_view content, std::uint16_t lin
 // longer than one that is read whole.
 struct Stored {
     std::string content;
-    bool scrambledHere;
+    bool scrambledHere = false;
 };
 Stored stored_file(Input& input);
 

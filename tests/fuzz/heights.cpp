@@ -1,4 +1,4 @@
-// Any bytes as the height model, plain or (FUZZ_SCRAMBLED) scrambled, and a place to walk to in its grid.
+// Any bytes as the height model, plain or (SCRAMBLED) scrambled, and a place to walk to in its grid.
 #include "fuzz.h"
 
 using namespace fuzzing;
@@ -69,12 +69,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     // In and around the grid of the corpus, now and then on a line of it.
     const double phi = 50.875 + (input.take<std::uint16_t>() % 640) / 512.0;
     const double lam = 8.875 + (input.take<std::uint16_t>() % 640) / 512.0;
-#ifdef FUZZ_SCRAMBLED
-    const auto [stored, scrambledHere] = stored_file(input);
-#else
-    const std::string stored = "0\n" + std::string(input.rest());
-    constexpr bool scrambledHere = false;
-#endif
+    const auto [stored, scrambledHere] =
+        SCRAMBLED ? stored_file(input) : Stored{"0\n" + std::string(input.rest())};
     const Answers all = answers(stored, phi, lam);
     const auto otherwise = rewritten(stored, linesAhead);
     EXPECT_TRUE(!otherwise || answers(*otherwise, phi, lam) == all);

@@ -1,4 +1,4 @@
-// Any bytes as a parameter file, plain or (FUZZ_SCRAMBLED) scrambled: transla_dll, translz_dll, and trans_dll and
+// Any bytes as a parameter file, plain or (SCRAMBLED) scrambled: transla_dll, translz_dll, and trans_dll and
 // transr_dll with what they read.
 #include "fuzz.h"
 
@@ -12,13 +12,8 @@ constexpr int code = 17;
 
 struct Both {
     Description source, target;
+    bool operator==(const Both&) const = default;
 };
-
-bool same(const Description& left, const Description& right) {
-    return left.status == right.status && left.zone == right.zone && left.name == right.name &&
-           left.ellipsoid == right.ellipsoid && left.kind == right.kind &&
-           same_bits(left.parameters, right.parameters);
-}
 
 Both both(int scrambledFlag, std::string_view content) {
     memory().write(scrambledFlag == 1 ? "f.tr0" : "f.tra", content);
@@ -29,7 +24,7 @@ Both both(int scrambledFlag, std::string_view content) {
         once = {describe(Role::source, memory().path(), "f", scrambledFlag, code),
                 describe(Role::target, memory().path(), "f", scrambledFlag, code)};
     }
-    EXPECT_TRUE(same(twice[0].source, twice[1].source) && same(twice[0].target, twice[1].target));
+    EXPECT_TRUE(twice[0] == twice[1]);
     return twice[0];
 }
 
@@ -43,8 +38,7 @@ void check(const Both& d) {
     EXPECT_TRUE(between(source, 29, 48)
                     ? secondColumn && target <= source + 41
                     : target == source || (secondColumn && (source == 0 || source == 100)));
-    EXPECT_EQ((Row{d.source.name, d.source.ellipsoid, d.source.kind}),
-              (Row{d.target.name, d.target.ellipsoid, d.target.kind}));
+    EXPECT_EQ(d.source.row(), d.target.row());
     for (const Description* one : {&d.source, &d.target}) {
         const std::vector<double>& p = one->parameters;
         EXPECT_EQ(p == std::vector<double>(36, untouched), one->status != 0);
@@ -62,17 +56,14 @@ void check(const Both& d) {
 }
 
 // By the codes and, once read, by the descriptions: the same.
-void go(int scrambledFlag, const Both& d, std::array<double, 3> point) {
-    memory().write("DEFAULT", scrambledFlag == 1 ? "1 1\n17 4\n\"f\"\n" : "1 0\n17 4\n\"f\"\n");
+void go(const Both& d, std::array<double, 3> point) {
+    memory().write("DEFAULT", SCRAMBLED ? "1 1\n17 4\n\"f\"\n" : "1 0\n17 4\n\"f\"\n");
     const NoHandleLeft handles;
     for (const char mode : {'e', 'n'}) {
         const Transformed done = transform(memory().path(), code, code, point, mode);
         EXPECT_EQ(done.auxiliary, (std::array{4, d.source.status == 0 ? 4 : -1}));
-        EXPECT_EQ((Row{done.sourceName, done.sourceEllipsoid, done.sourceKind}),
-                  (Row{d.source.name, d.source.ellipsoid, d.source.kind}));
-        EXPECT_EQ((Row{done.targetName, done.targetEllipsoid, done.targetKind}),
-                  d.source.status != 0 ? (Row{"", "", ""})
-                                       : (Row{d.target.name, d.target.ellipsoid, d.target.kind}));
+        EXPECT_EQ(done.source.row(), d.source.row());
+        EXPECT_EQ(done.target.row(), d.source.status != 0 ? Texts().row() : d.target.row());
         if (d.source.status != 0 || d.target.status != 0) {
             EXPECT_EQ(done.status, d.source.status != 0 ? d.source.status : d.target.status);
             EXPECT_TRUE(same_bits(done.result, std::array<double, 4>{}));
@@ -103,28 +94,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     Input input(bytes, size);
     const auto linesAhead = input.take<std::uint16_t>();
     const auto place = input.take<std::uint8_t>();
-#ifdef FUZZ_SCRAMBLED
-    constexpr int scrambledFlag = 1;
-    const auto [stored, scrambledHere] = stored_file(input);
-#else
-    constexpr int scrambledFlag = 0;
-    const std::string stored(input.rest());
-    constexpr bool scrambledHere = false;
-#endif
-    const Both d = both(scrambledFlag, stored);
-    if (const auto otherwise = rewritten(stored, linesAhead)) {
-        const Both again = both(scrambledFlag, *otherwise);
-        EXPECT_TRUE(same(again.source, d.source) && same(again.target, d.target));
-    }
-    if (scrambledHere) {
-        const Both plain = both(0, input.rest());
-        EXPECT_TRUE(same(plain.source, d.source) && same(plain.target, d.target));
-    }
+    const auto [stored, scrambledHere] = SCRAMBLED ? stored_file(input) : Stored{std::string(input.rest())};
+    const Both d = both(SCRAMBLED, stored);
+    const auto otherwise = rewritten(stored, linesAhead);
+    EXPECT_TRUE(!otherwise || both(SCRAMBLED, *otherwise) == d);
+    EXPECT_TRUE(!scrambledHere || both(0, input.rest()) == d);
     check(d);
     const bool plane = d.source.kind.starts_with("Gauss") || d.source.kind.starts_with("Soldner");
     const double step = place / 256.0;
-    go(scrambledFlag, d,
-       plane ? std::array{5.5e6 + 5e5 * step, 3.3e6 + 4e5 * step, 40.0}
-             : std::array{52 - 4 * step, 13 + 2 * step, 40.0});
+    go(d, plane ? std::array{5.5e6 + 5e5 * step, 3.3e6 + 4e5 * step, 40.0}
+                : std::array{52 - 4 * step, 13 + 2 * step, 40.0});
     return 0;
 }

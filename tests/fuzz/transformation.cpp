@@ -24,15 +24,8 @@ std::vector<char16_t> text_of(Input& input, std::initializer_list<const char*> u
 }
 
 std::string narrowed(const std::vector<char16_t>& units) {
-    std::string text;
-    for (const char16_t unit : units) {
-        const char low = static_cast<char>(static_cast<unsigned char>(unit));
-        if (low == '\0') {
-            break;
-        }
-        text += low;
-    }
-    return text;
+    const auto ends = [](char16_t unit) { return unit % 256 == 0; };
+    return {units.begin(), std::ranges::find_if(units, ends)};
 }
 
 std::vector<char16_t> kind_of(Input& input) {
