@@ -26,7 +26,7 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
     fs::create_symlink("nowhere", root + "/DEFAUlt");
     fs::create_symlink("/proc/self/mem", root + "/unreadable/DEFAULT");
     ASSERT_EQ(mkfifo((root + "/fifo/DEFAULT").c_str(), 0600), 0);
-    const std::size_t handles = open_file_handles();
+    const auto handles = open_file_handles();
 
     EXPECT_EQ(list(root).count, -1) << "of the regular files in whatever case the first in byte order";
     EXPECT_EQ(list(root + "/other").status, 0) << "the backslash as a character";

@@ -26,7 +26,7 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
         fs::create_directories(root + below);
     }
     directory.write("locked/DEFAULT", "-2\n");
-    const std::size_t handles = open_file_handles();
+    const auto handles = open_file_handles();
     DWORD errorMode = 0;
     ASSERT_NE(SetThreadErrorMode(0, &errorMode), 0);
 
