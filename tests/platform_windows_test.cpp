@@ -26,7 +26,7 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
         fs::create_directories(root + below);
     }
     directory.write("locked/DEFAULT", "-2\n");
-    const auto handles = open_file_handles();
+    const NoHandleLeft handles;
     DWORD errorMode = 0;
     ASSERT_NE(SetThreadErrorMode(0, &errorMode), 0);
 
@@ -70,7 +70,6 @@ TEST(DataFile, FindsFilesAsTheyLieOnDisk) {
     }
     EXPECT_EQ(GetThreadErrorMode(), 0U);
     ASSERT_NE(SetThreadErrorMode(errorMode, nullptr), 0);
-    EXPECT_EQ(open_file_handles(), handles);
 }
 
 }  // namespace
