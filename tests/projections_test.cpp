@@ -208,6 +208,7 @@ TEST(PlaneReductions, GoThereAndBack) {
         SCOPED_TRACE(::testing::PrintToString(row));
         const ParameterArray p = parameters(row[0]);
         const auto number = [&row](std::size_t field) { return std::stod(row[field]); };
+        EXPECT_EQ(has_more_than_constants(p), row[7] == "more");
         const PlanePoint inside = reduce_to_projection(p, {number(2), number(1)});
         EXPECT_DOUBLE_EQ(inside.easting, number(3));
         EXPECT_DOUBLE_EQ(inside.northing, number(4));

@@ -18,7 +18,7 @@ using Unit = HeightField::Unit;
 
 // The fields of the datum sets, with the statuses that parameter files have for them.
 template <std::size_t... At>
-constexpr auto datum_fields(std::index_sequence<At...> /*at*/) noexcept {
+consteval auto datum_fields(std::index_sequence<At...> /*at*/) noexcept {
     return std::to_array<HeightField>(
         {{status::firstTwoColumns + static_cast<Status>(At),
           [](HeightModel& m) noexcept -> double& { return m.datum[datumSlots[At]]; }}...});
