@@ -142,6 +142,7 @@ int import_system(const ImportOptions& options) {
 Command import_command() {
     const auto options = std::make_shared<ImportOptions>();
     std::vector<std::string> kinds;
+    kinds.reserve(projectionKinds.size());
     for (const KindTraits& kind : projectionKinds) {
         kinds.emplace_back(kind.name);
     }
