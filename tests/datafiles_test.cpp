@@ -74,14 +74,14 @@ TEST(LineReader, SkipsWhatItWouldRead) {
     for (const Row& row : rows("lines.tsv")) {
         SCOPED_TRACE(row[0] + ' ' + row[1].substr(0, 40));
         const std::string file = row[0] == "read" ? row[1] : row[0] + "\n" + row[1];
-        for (int count = 0, status = row[2] == "no key" ? 100 : 0; status == 0; ++count) {
+        for (int count = 0, status = 0; count < 5; ++count, status = 0) {
             LineReader reading(file), skipping(file);
-            status = reading.read_key() + skipping.read_key();
+            ASSERT_EQ(skipping.read_key(), reading.read_key());
             for (int number = 0; number < count && status == 0; ++number) {
                 status = reading.next();
             }
             EXPECT_EQ(skipping.skip(count), status);
-            EXPECT_EQ(skipping.next(), status = reading.next());
+            EXPECT_EQ(skipping.next(), reading.next());
             EXPECT_EQ(skipping.text(), reading.text());
             EXPECT_EQ(skipping.number(), reading.number());
             EXPECT_EQ(skipping.last_overlong(), reading.last_overlong());

@@ -79,6 +79,8 @@ TEST(Geocentric, SpecialPlaces) {
     // 100 degrees east comes back at 80.
     ASSERT_EQ(geocentric_to_geographic(e, geographic_to_geocentric(e, {0.9, 100 / radian, 50}), reached), 0);
     EXPECT_NEAR(reached.lam, 80 / radian, 1e-15);
+    // No square overflows on the way there.
+    EXPECT_DOUBLE_EQ(geographic_to_geocentric({1e200, 1e200}, {std::asin(0.5), 0, 0}).z, 0.5e200);
 }
 
 TEST(Pipeline, GoesItsRoads) {
