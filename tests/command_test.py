@@ -141,7 +141,7 @@ class Case:
                       for (name, wanted), count in zip(counted, openings.counts()) if count != int(wanted)]
         if windows:
             err = err.replace(b"\r\n", b"\n")
-            keeps_line_ends = arguments[:1] == ["transform"] or "-" in arguments
+            keeps_line_ends = arguments[0] == "transform" or ("-" in arguments and arguments[0] != "complete")
             if not keeps_line_ends:
                 out = out.replace(b"\r\n", b"\n")
         wanted = int(lines["="][0][1]) if lines["="] else 0
