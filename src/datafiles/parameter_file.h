@@ -67,6 +67,8 @@ inline constexpr auto parameterFields = [] {
     return fields;
 }();
 
+static_assert(parameterFields.back().failure == status::lastTwoColumns);
+
 inline constexpr std::string_view plainExtension = ".tra";
 inline constexpr std::string_view scrambledExtension = ".tr0";
 inline constexpr std::size_t parameterFileNameSize = nameSize + plainExtension.size();
