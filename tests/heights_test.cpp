@@ -18,7 +18,7 @@ struct Anomaly {
 };
 Anomaly anomaly(const std::string& directory, double longitude, double latitude) {
     Anomaly found;
-    found.status = height_anomaly(directory, longitude * degree, latitude * degree, found.zeta);
+    found.status = StreamedHeightModel(directory).at(longitude * degree, latitude * degree, found.zeta);
     return found;
 }
 

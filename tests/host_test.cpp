@@ -6,7 +6,7 @@
 #include <fstream>
 #include <thread>
 
-#include "interface/float_environment.h"
+#include "base/float_environment.h"
 #include "support.h"
 
 #if defined(__x86_64__)

@@ -343,7 +343,7 @@ std::optional<std::array<double, 2>> on_bessel(const std::array<double, 2>& plac
     constexpr int passes = 20;
     for (int pass = 0; pass < passes; ++pass) {
         Geographic at;
-        status = bessel_to_grid(model, point[1] * degree, point[0] * degree, at);
+        status = HeightLookup(model).bessel_to_grid(point[1] * degree, point[0] * degree, at);
         if (status != status::ok) {
             return std::nullopt;
         }
@@ -396,7 +396,7 @@ LibraryAnswers ask_library(const std::string& directoryBytes, const HeldModel& m
             answers.withValue += expected == status::ok ? 1 : 0;
             double zeta = 0.0;
             const Status found =
-                height_anomaly(directoryBytes, (*point)[1] * degree, (*point)[0] * degree, zeta);
+                StreamedHeightModel(directoryBytes).at((*point)[1] * degree, (*point)[0] * degree, zeta);
             const Status answered = found == status::ok ? found : status::heightModel + found;
             if (answered != expected) {
                 findings.defect("library",

@@ -32,20 +32,19 @@ DataFile::~DataFile() {
     }
 }
 
-bool DataFile::open(std::string_view directory, std::string_view name) noexcept {
+bool DataFile::open(std::string_view directory, std::string_view name, PathText encoding) noexcept {
     if (directory.size() > maxDirectory) {
         return false;
     }
-    FixedText<pathSize> joined;
+    FixedText<maxDirectory + 2> parent;
     if (directory != ".") {
-        joined.append(directory);
-        joined.append('\\');
+        parent.append(directory);
+        parent.append('\\');
     }
-    if (name.size() > joined.maxLength - joined.view().size()) {
+    if (name.size() >= pathSize - parent.view().size()) {
         return false;
     }
-    joined.append(name);
-    handle = open_data_file(joined.view());
+    handle = open_data_file(parent.view(), name, encoding);
     return handle != noFile;
 }
 

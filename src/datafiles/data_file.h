@@ -27,7 +27,8 @@ class DataFile {
     // empty directory gives "\name"), as open_data_file does. Returns false when nothing could be opened, what was
     // found is no regular file, or directory is too long; never blocks.
     // To be called once.
-    [[nodiscard]] bool open(std::string_view directory, std::string_view name) noexcept;
+    [[nodiscard]] bool open(std::string_view directory, std::string_view name,
+                            PathText encoding = PathText::western) noexcept;
 
     // The bytes that lie ready, at least one; reads the next block when none is left. Empty at the end of the
     // file and after a read error. Valid until the next call.

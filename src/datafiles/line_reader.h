@@ -32,8 +32,9 @@ class LineReader {
     explicit LineReader(std::string_view heldBytes) noexcept : file(heldBytes) {}
 
     // As DataFile::open.
-    [[nodiscard]] bool open(std::string_view directory, std::string_view name) noexcept {
-        return file.open(directory, name);
+    [[nodiscard]] bool open(std::string_view directory, std::string_view name,
+                            PathText encoding = PathText::western) noexcept {
+        return file.open(directory, name, encoding);
     }
 
     // Reads the head of a file that may be scrambled: its key, a decimal integer in plain text, blanks before it

@@ -71,8 +71,8 @@ FixedText<parameterFileNameSize> parameter_file_name(std::string_view baseName, 
 }
 
 Status open_parameter_file(LineReader& lines, std::string_view directory, std::string_view baseName,
-                           bool scrambled) noexcept {
-    if (!lines.open(directory, parameter_file_name(baseName, scrambled).view())) {
+                           bool scrambled, PathText encoding) noexcept {
+    if (!lines.open(directory, parameter_file_name(baseName, scrambled).view(), encoding)) {
         return status::parameterFileNotOpened;
     }
     return scrambled ? lines.read_key() : status::ok;

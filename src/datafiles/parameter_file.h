@@ -101,7 +101,8 @@ enum class Column { intoBessel, outOfBessel };
 // The two steps of it, for callers that want to ask the reader where it stands: opens the file and reads its key; and
 // reads the fields into a description whose texts are empty and whose zone number is 0. Statuses as above.
 [[nodiscard]] Status open_parameter_file(LineReader& lines, std::string_view directory,
-                                         std::string_view baseName, bool scrambled) noexcept;
+                                         std::string_view baseName, bool scrambled,
+                                         PathText encoding = PathText::western) noexcept;
 [[nodiscard]] Status read_parameters(LineReader& lines, Column column, int code,
                                      SystemDescription& description) noexcept;
 

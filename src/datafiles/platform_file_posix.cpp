@@ -110,9 +110,12 @@ Opened open_without_case(std::string_view path) noexcept {
 
 }  // namespace
 
-FileHandle open_data_file(std::string_view joined) noexcept {
+FileHandle open_data_file(std::string_view directory, std::string_view name,
+                          PathText /*encoding*/) noexcept {
+    Path joined(directory);
+    joined.append(name);
     Path path;
-    for (const char character : joined) {
+    for (const char character : joined.view()) {
         path.append(character == backslash ? '/' : character);
     }
     Opened opened = open_regular(AT_FDCWD, path.c_str());
@@ -120,8 +123,8 @@ FileHandle open_data_file(std::string_view joined) noexcept {
         opened = open_without_case(path.view());
     }
     // An archive unpacked without knowing the separator leaves files whose names hold the backslash itself.
-    if (opened.missing && joined.find(backslash) != std::string_view::npos) {
-        opened = open_regular(AT_FDCWD, Path(joined).c_str());
+    if (opened.missing && joined.view().find(backslash) != std::string_view::npos) {
+        opened = open_regular(AT_FDCWD, joined.c_str());
     }
     return opened.handle;
 }

@@ -9,11 +9,18 @@
 namespace lagestatus {
 namespace {
 
-constexpr std::string_view separators = "\\/";
+constexpr std::wstring_view separators = L"\\/";
 
 HANDLE native(FileHandle file) noexcept {
     return reinterpret_cast<HANDLE>(file);  // NOLINT(*-reinterpret-cast, performance-no-int-to-ptr)
 }
+
+// Of a path, in its code page.
+struct Part {
+    std::string_view text;
+    unsigned codePage;
+    DWORD flags;
+};
 
 // No dialog box of the system for a drive without a medium, as long as it lives.
 class NoErrorBoxes {
@@ -29,17 +36,27 @@ class NoErrorBoxes {
 
 }  // namespace
 
-FileHandle open_data_file(std::string_view joined) noexcept {
-    // "\\DEFAULT" from the directory "\" means the root of the drive; a server's share has a third separator.
-    const bool doubled = joined.size() > 1 && joined.find_first_not_of(separators) == 2;
-    if (doubled && joined.find_first_of(separators, 2) == std::string_view::npos) {
-        joined.remove_prefix(1);
+FileHandle open_data_file(std::string_view directory, std::string_view name, PathText encoding) noexcept {
+    std::array<wchar_t, pathSize> buffer = {};
+    std::wstring_view path(buffer.data(), 0);
+    for (const auto& [text, codePage, flags] :
+         {Part{directory, encoding == PathText::utf8 ? CP_UTF8 : westernCodePage,
+               encoding == PathText::utf8 ? MB_ERR_INVALID_CHARS : 0},
+          Part{name, westernCodePage, 0}}) {
+        const int units =
+            text.empty() ? 0
+                         : MultiByteToWideChar(codePage, flags, text.data(), static_cast<int>(text.size()),
+                                               buffer.data() + path.size(),
+                                               static_cast<int>(buffer.size() - path.size() - 1));
+        if (units == 0 && !text.empty()) {
+            return noFile;
+        }
+        path = {buffer.data(), path.size() + static_cast<std::size_t>(units)};
     }
-    std::array<wchar_t, pathSize> path = {};
-    if (joined.empty() || joined.size() >= path.size() ||
-        MultiByteToWideChar(westernCodePage, 0, joined.data(), static_cast<int>(joined.size()), path.data(),
-                            static_cast<int>(path.size() - 1)) == 0) {
-        return noFile;
+    // "\\DEFAULT" from the directory "\" means the root of the drive; a server's share has a third separator.
+    const bool doubled = path.size() > 1 && path.find_first_not_of(separators) == 2;
+    if (doubled && path.find_first_of(separators, 2) == std::wstring_view::npos) {
+        path.remove_prefix(1);
     }
     // Should the path name a pipe, its server may not act as the host. For a file the same bit has another meaning.
     const DWORD flags =

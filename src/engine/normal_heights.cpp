@@ -2,9 +2,6 @@
 
 #include <cmath>
 
-#include "heights/height_anomaly.h"
-#include "heights/height_model_file.h"
-
 namespace lagestatus {
 namespace {
 
@@ -15,7 +12,7 @@ constexpr int maxPasses = 20;
 
 double NormalHeights::anomaly(const Geographic& point) noexcept {
     double zeta = 0.0;
-    lastAnomaly = height_anomaly(directory, point.lam, point.phi, zeta);
+    lastAnomaly = model.at(point.lam, point.phi, zeta);
     return zeta;
 }
 
@@ -41,28 +38,16 @@ Status NormalHeights::in_bessel_datum(const Geocentric& point, double& h, bool& 
     if (!flags.targetWantsNormal || !(computes || iterates)) {
         return status::ok;
     }
-    // The semi-axes of Bessel are taken from the height model file, never from the parameters of a system.
-    HeightModelFile file;
-    HeightModel model;
-    Status read = file.open(directory);
-    if (read == status::ok) {
-        read = file.read_axes(model);
+    HeightAnomalies::Found found;
+    if (const Status reached = model.at(point, found); reached != status::ok) {
+        return reached;
     }
-    if (read != status::ok) {
-        return status::heightModel + read;
-    }
-    Geographic onBessel;
-    if (const Status converted = geocentric_to_geographic(model.bessel, point, onBessel);
-        converted != status::ok) {
-        return converted;
-    }
-    double zeta = 0.0;
-    lastAnomaly = height_anomaly(file, model, onBessel.lam, onBessel.phi, zeta);
+    lastAnomaly = found.status;
     if (!iterates) {
-        height = onBessel.h - zeta;
+        height = found.onBessel.h - found.zeta;
         return status::ok;
     }
-    const double missing = height - onBessel.h + zeta;
+    const double missing = height - found.onBessel.h + found.zeta;
     if (std::fabs(missing) > tolHeight && lastAnomaly == status::ok) {
         if (passes >= maxPasses) {
             return status::heightIteration;

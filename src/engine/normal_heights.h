@@ -1,11 +1,10 @@
 // Normal heights on the road of one point: where the height model comes in, and what it gives.
 #pragma once
 
-#include <string_view>
-
 #include "base/status.h"
 #include "engine/side.h"
 #include "geodesy/geocentric.h"
+#include "heights/height_anomaly.h"
 
 namespace lagestatus {
 
@@ -23,14 +22,13 @@ struct HeightFlags {
 class NormalHeights {
   public:
     // normalHeight belongs to the caller: it holds the height given, and the normal height where one is computed.
-    // At most 299 characters of directory.
-    NormalHeights(const Side& from, const Side& to, HeightFlags heightFlags, std::string_view dataDirectory,
-                  double& normalHeight) noexcept
+    NormalHeights(const Side& from, const Side& to, HeightFlags heightFlags,
+                  const HeightAnomalies& heightModel, double& normalHeight) noexcept
         : source(from),
           target(to),
           flags(heightFlags),
           iterates(heightFlags.sourceIsNormal && !from.bessel),
-          directory(dataDirectory),
+          model(heightModel),
           height(normalHeight) {}
 
     // For sources that are not geocentric, with their latitude, longitude and the height given: a source in the Bessel
@@ -69,7 +67,7 @@ class NormalHeights {
     const Side& target;
     HeightFlags flags;
     bool iterates;
-    std::string_view directory;
+    const HeightAnomalies& model;
     double& height;
     int passes = 0;
     Status lastAnomaly = status::ok;

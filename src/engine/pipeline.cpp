@@ -36,7 +36,7 @@ bool are_finite(std::span<const double> values) noexcept {
 }  // namespace
 
 Status transform_point(const Point& point, const Side& source, const Side& target, HeightFlags heights,
-                       std::string_view directory, Result& result) noexcept {
+                       const HeightAnomalies& model, Result& result) noexcept {
     result = {0.0, 0.0, 0.0, point[2]};
     if (source.kind == ProjectionKind::unknown || target.kind == ProjectionKind::unknown) {
         return status::projectionKind;
@@ -47,7 +47,7 @@ Status transform_point(const Point& point, const Side& source, const Side& targe
     const bool sourceGeocentric = source.kind == ProjectionKind::geocentric;
     const bool targetGeocentric = target.kind == ProjectionKind::geocentric;
     const bool sameEllipsoid = source.ellipsoidName == target.ellipsoidName;
-    NormalHeights normalHeights(source, target, heights, directory, result[3]);
+    NormalHeights normalHeights(source, target, heights, model, result[3]);
 
     Geographic geographic = {0.0, 0.0, point[2]};
     if (!sourceGeocentric) {

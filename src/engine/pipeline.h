@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <string_view>
 
 #include "base/status.h"
 #include "engine/normal_heights.h"
@@ -19,7 +18,7 @@ using Result = std::array<double, 4>;
 //           source     parameters read for a source (its datum transformation leads into the Bessel datum)
 //           target     parameters read for a target (out of the Bessel datum)
 //           heights    what the heights are
-//           directory  where the height model lies, at most 299 characters; opened only if a normal height needs it
+//           model      asked only if a normal height needs it
 // Returned: status     0; 12 a kind of system that there is not; 14 a Gauss-Krueger target without zones, or a
 //                      longitude that none of its zones can be numbered for; 90 no finite coordinates; 92, 1027, 1028,
 //                      1100, 1110 a normal height cannot be found (normal_heights.h); 201 to 208, 301 to 305, 401 to
@@ -32,7 +31,7 @@ using Result = std::array<double, 4>;
 // ellipsoid name. Heights are ellipsoidal but for the normal heights of the flags. Where no normal height is computed,
 // the height given comes back as the result's last value.
 [[nodiscard]] Status transform_point(const Point& point, const Side& source, const Side& target,
-                                     HeightFlags heights, std::string_view directory,
+                                     HeightFlags heights, const HeightAnomalies& model,
                                      Result& result) noexcept;
 
 }  // namespace lagestatus

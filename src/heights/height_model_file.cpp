@@ -120,11 +120,24 @@ std::string_view behind_grid_value(std::string_view text) noexcept {
     return text;
 }
 
-Status HeightModelFile::open(std::string_view directory) noexcept {
-    if (!lines.open(directory.empty() ? "." : directory, heightModelFileName)) {
+Status GridLine::value(int wanted, double& value) noexcept {
+    for (; place < wanted; ++place) {
+        rest = behind_grid_value(rest);
+    }
+    rest = {std::find_if_not(rest.begin(), rest.end(), is_blank), rest.end()};
+    double read = 0.0;
+    if (!FieldScanner(rest).number(read) || read == noGridValue) {
+        return status::gridValue;
+    }
+    value = read;
+    return status::ok;
+}
+
+Status HeightModelFile::open(std::string_view directory, PathText encoding) noexcept {
+    if (!lines.open(directory.empty() ? "." : directory, heightModelFileName, encoding)) {
         return status::heightModelNotOpened;
     }
-    return lines.read_key();
+    return read_key();
 }
 
 Status HeightModelFile::read_fields(std::span<const HeightField> some, HeightModel& model) noexcept {
@@ -175,19 +188,9 @@ Status HeightModelFile::grid_value(std::int64_t number, double& value) noexcept 
             return read;
         }
         gridLine = wantedLine;
-        rest = lines.text();
-        place = 0;
+        grid = GridLine(lines.text());
     }
-    for (; place < wantedPlace; ++place) {
-        rest = behind_grid_value(rest);
-    }
-    rest = {std::find_if_not(rest.begin(), rest.end(), is_blank), rest.end()};
-    double read = 0.0;
-    if (!FieldScanner(rest).number(read) || read == noGridValue) {
-        return status::gridValue;
-    }
-    value = read;
-    return status::ok;
+    return grid.value(wantedPlace, value);
 }
 
 }  // namespace lagestatus

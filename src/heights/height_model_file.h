@@ -74,14 +74,38 @@ inline constexpr double noGridValue = 999999.0;  // marks a place without a valu
 // the blanks behind it along.
 [[nodiscard]] std::string_view behind_grid_value(std::string_view text) noexcept;
 
+// One line of the grid, whose values are read from the left to the right.
+class GridLine {
+  public:
+    GridLine() noexcept = default;
+    explicit GridLine(std::string_view text) noexcept : rest(text) {}
+
+    // Given:    wanted     0 or more, not before the place read last
+    // Returned: status     0; 109 no number, or the mark of a place without a value
+    //           value      metres; written on success only
+    [[nodiscard]] Status value(int wanted, double& value) noexcept;
+
+  private:
+    std::string_view rest;  // from the value at place on
+    int place = 0;
+};
+
 // The file, opened and read from its start to its end; closed with the object.
 class HeightModelFile {
   public:
+    HeightModelFile() noexcept = default;
+    // Of bytes in the caller's memory, which outlive it: read_key is the first to be called then.
+    explicit HeightModelFile(std::string_view heldBytes) noexcept : lines(heldBytes) {}
+
     // Opens hoehe.ini and reads its scrambling key.
     //
     // Given:    directory  at most 299 characters; "." or empty for the current directory
     // Returned: status     0; 110 not opened; 100 the key is missing or nothing follows it
-    [[nodiscard]] Status open(std::string_view directory) noexcept;
+    [[nodiscard]] Status open(std::string_view directory,
+                              PathText encoding = PathText::western) noexcept;
+
+    // Returned: status     0; 100 the key is missing or nothing follows it
+    [[nodiscard]] Status read_key() noexcept { return lines.read_key(); }
 
     // Reads the first two data lines, the semi-axes of Bessel, and no more of the file than the block they lie in.
     //
@@ -106,14 +130,24 @@ class HeightModelFile {
     //           value      metres; written on success only
     [[nodiscard]] Status grid_value(std::int64_t number, double& value) noexcept;
 
+    // Reads the next line of the grid, for those who read all of it. Returned: status 0; 100 there is none.
+    [[nodiscard]] Status next_grid_line() noexcept {
+        ++gridLine;
+        return lines.next();
+    }
+
+    // The line read last, for those who say what is wrong with it, and whether the file can no longer be read.
+    [[nodiscard]] std::string_view text() const noexcept { return lines.text(); }
+    [[nodiscard]] std::int64_t line_number() const noexcept { return lines.number(); }
+    [[nodiscard]] bool failed() const noexcept { return lines.failed(); }
+
   private:
     [[nodiscard]] Status read_fields(std::span<const HeightField> some, HeightModel& model) noexcept;
 
     LineReader lines;
     bool anyLine = false;
     std::int64_t gridLine = -1;  // the number of the grid line that was read last
-    std::string_view rest;       // of that line, from the value at place on
-    int place = 0;
+    GridLine grid;               // that line
 };
 
 }  // namespace lagestatus

@@ -47,7 +47,7 @@ Status run_driver(const Point& point, int sourceCode, int targetCode, std::strin
         .sourceIsNormal = normalHeight && sourceSide.kind != ProjectionKind::geocentric,
         .targetWantsNormal = targetSide.kind != ProjectionKind::geocentric,
     };
-    return transform_point(point, sourceSide, targetSide, heights, directory, result);
+    return transform_point(point, sourceSide, targetSide, heights, StreamedHeightModel(directory), result);
 }
 
 }  // namespace lagestatus

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "base/messages.h"
-#include "interface/caller_memory.h"
+#include "base/caller_memory.h"
 
 namespace lagestatus {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "base/fixed_text.h"
-#include "interface/caller_memory.h"
+#include "base/caller_memory.h"
 #include "interface/lagestatus.h"
 
 namespace lagestatus {
