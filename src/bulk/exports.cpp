@@ -1,0 +1,395 @@
+// The exported functions: across the boundary, call inside, and back.
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "base/caller_memory.h"
+#include "base/float_environment.h"
+#include "base/projection_kind.h"
+#include "bulk/directory.h"
+#include "bulk/lagestatus_bulk.h"
+#include "bulk/texts.h"
+#include "bulk/transformation.h"
+#include "datafiles/data_file.h"
+#include "geodesy/zones.h"
+
+struct lagestatus_directory {
+    explicit lagestatus_directory(std::string path) : directory(std::move(path)) {}
+
+    lagestatus::Directory directory;
+};
+
+struct lagestatus_transformation {
+    lagestatus::Transformation transformation;
+};
+
+namespace {
+
+using namespace lagestatus;
+
+static_assert(LAGESTATUS_PATH_MAX == DataFile::maxDirectory);
+
+// The bytes of a text that fit before its end, without half a character.
+std::size_t fitting(std::string_view utf8, std::size_t size) noexcept {
+    std::size_t length = std::min(utf8.size(), size - 1);
+    while (length < utf8.size() && length > 0 && (static_cast<unsigned char>(utf8[length]) & 0xC0U) == 0x80) {
+        --length;
+    }
+    return length;
+}
+
+void put_text(std::string_view utf8, char* buffer, std::size_t size) noexcept {
+    const std::size_t length = fitting(utf8, size);
+    utf8.copy(buffer, length);
+    buffer[length] = '\0';
+}
+
+// Of the statuses of this interface alone.
+std::string_view own_message(Status status) noexcept {
+    switch (status) {
+        case LAGESTATUS_ARGUMENT:
+            return "Ein Argument ist ungültig";
+        case LAGESTATUS_MEMORY:
+            return "Der Arbeitsspeicher reicht nicht aus";
+        case LAGESTATUS_UNAVAILABLE:
+            return "Diese Version hat die schnelle Berechnung nicht";
+        default:
+            return {};
+    }
+}
+
+// Tells the caller what failed. Needs no memory for the statuses of this interface.
+Status tell(lagestatus_failure* told, Status status, std::string_view reason = {}) noexcept {
+    if (told != nullptr) {
+        *told = {};
+        told->status = status;
+        put_text(reason.empty() ? own_message(status) : reason, told->message, sizeof(told->message));
+    }
+    return status;
+}
+
+Status tell(lagestatus_failure* told, const Failure& failure) {
+    if (told != nullptr) {
+        *told = {};
+        told->status = failure.status;
+        if (failure.status != status::ok) {
+            told->line = failure.line;
+            put_text(failure.file, told->file, sizeof(told->file));
+            put_text(failure.text, told->text, sizeof(told->text));
+            put_text(message_text(failure.status, failure.file), told->message, sizeof(told->message));
+        }
+    }
+    return failure.status;
+}
+
+// Runs what may run out of memory, in the floating-point environment that it expects.
+template <typename Work>
+Status guarded(lagestatus_failure* told, Work work) noexcept {
+    const DefaultFloatEnvironment environment;
+    try {
+        return work();
+    } catch (...) {  // nothing but memory and the locks of the system can fail
+        return tell(told, LAGESTATUS_MEMORY);
+    }
+}
+
+// Whether a caller's structure has the members of this version.
+template <typename Structure>
+bool has_size(const Structure* structure) noexcept {
+    return structure != nullptr && load<std::size_t>(structure) >= sizeof(Structure);
+}
+
+// Fills a caller's structure, which may have more members than this version knows, and keeps its size.
+template <typename Structure>
+void fill(Structure* structure, Structure values) noexcept {
+    values.size = load<std::size_t>(structure);
+    store<Structure>(structure, 0, values);
+}
+
+// The entry of a code; null if there is none, and failure says so.
+const DefinitionEntry* find_entry(const Directory& directory, int code, Failure& failure) {
+    const DefinitionEntry* const entry = directory.definition().find(code);
+    if (entry == nullptr) {
+        failure = {status::codeNotListed, directory.path_of(definitionFileName)};
+    }
+    return entry;
+}
+
+// The system of a code, read for a role; null if that fails, and failure says why.
+const ReadSystem* read_system(const Directory& directory, int code, Column column, Failure& failure) {
+    const DefinitionEntry* const entry = find_entry(directory, code, failure);
+    if (entry == nullptr) {
+        return nullptr;
+    }
+    const ReadSystem& system = directory.system(*entry, column);
+    failure = system.failure;
+    return failure.status == status::ok ? &system : nullptr;
+}
+
+// What keeps a caller's options from being meant: an own status, or 0 and the options.
+Status read_options(const lagestatus_options* given, TransformationOptions& options) noexcept {
+    if (given == nullptr) {
+        return status::ok;
+    }
+    if (!has_size(given)) {
+        return LAGESTATUS_ARGUMENT;
+    }
+    const auto values = load<lagestatus_options>(given);
+    const auto* const bytes = reinterpret_cast<const char*>(given);  // NOLINT(*-reinterpret-cast)
+    if (std::any_of(bytes + sizeof(values), bytes + values.size, [](char byte) { return byte != 0; })) {
+        return LAGESTATUS_UNAVAILABLE;
+    }
+    const auto within = [](int value, int last) { return value >= 0 && value <= last; };
+    if (!within(values.height_given, LAGESTATUS_HEIGHT_NORMAL) ||
+        !within(values.height_wanted, LAGESTATUS_HEIGHT_BOTH) ||
+        !within(values.source_axes, LAGESTATUS_AXES_EASTING_FIRST) ||
+        !within(values.target_axes, LAGESTATUS_AXES_EASTING_FIRST) ||
+        !within(values.calculation, LAGESTATUS_FAST) || !within(values.has_default_height, 1)) {
+        return LAGESTATUS_ARGUMENT;
+    }
+    if (values.calculation == LAGESTATUS_FAST) {
+        return LAGESTATUS_UNAVAILABLE;
+    }
+    options.given = static_cast<HeightGiven>(values.height_given);
+    options.wanted = static_cast<HeightWanted>(values.height_wanted);
+    options.sourceEastingFirst = values.source_axes == LAGESTATUS_AXES_EASTING_FIRST;
+    options.targetEastingFirst = values.target_axes == LAGESTATUS_AXES_EASTING_FIRST;
+    if (values.has_default_height != 0) {
+        options.defaultHeight = values.default_height;
+    }
+    return status::ok;
+}
+
+// The numbers of the interface are those inside.
+constexpr bool is_same(auto inside, int outside) {
+    return static_cast<int>(inside) == outside;
+}
+static_assert(is_same(ProjectionKind::unknown, LAGESTATUS_KIND_UNKNOWN) &&
+              is_same(ProjectionKind::soldner, LAGESTATUS_KIND_SOLDNER) &&
+              is_same(ProjectionKind::gaussKrueger, LAGESTATUS_KIND_GAUSS_KRUEGER) &&
+              is_same(ProjectionKind::geographic, LAGESTATUS_KIND_GEOGRAPHIC) &&
+              is_same(ProjectionKind::geocentric, LAGESTATUS_KIND_GEOCENTRIC));
+static_assert(is_same(HeightGiven::ellipsoidal, LAGESTATUS_HEIGHT_ELLIPSOIDAL) &&
+              is_same(HeightGiven::none, LAGESTATUS_HEIGHT_NONE) &&
+              is_same(HeightGiven::normal, LAGESTATUS_HEIGHT_NORMAL) &&
+              is_same(HeightWanted::ellipsoidal, LAGESTATUS_HEIGHT_ELLIPSOIDAL) &&
+              is_same(HeightWanted::none, LAGESTATUS_HEIGHT_NONE) &&
+              is_same(HeightWanted::normal, LAGESTATUS_HEIGHT_NORMAL) &&
+              is_same(HeightWanted::both, LAGESTATUS_HEIGHT_BOTH));
+
+lagestatus_system described(const DefinitionEntry& entry, const ReadSystem& source,
+                            const ReadSystem& target) noexcept {
+    const SystemDescription& system = source.description;
+    const double origin = system.parameters[slot::longitudeOfOrigin];
+    const ZoneLayout zones = decode_longitude_of_origin(origin);
+    const KindTraits traits = kind_traits(system.projectionKind.view());
+    const bool hasStrips = traits.hasStrips && zones.hasStrips;
+    lagestatus_system told = {};
+    told.code = entry.code;
+    told.auxiliary = entry.auxiliary;
+    told.source_status = source.failure.status;
+    told.target_status = target.failure.status;
+    told.kind = static_cast<int>(traits.kind);
+    told.in_bessel_datum = lies_in_bessel_datum(system.ellipsoidName.view()) ? 1 : 0;
+    told.has_strips = hasStrips ? 1 : 0;
+    told.zone_number = traits.hasStrips && !hasStrips ? system.zoneNumber : 0;
+    told.strip_width = hasStrips ? zones.width : 0;
+    told.strip_offset = hasStrips ? zones.offset : 0;
+    told.central_meridian = traits.isPlane && !hasStrips ? origin : 0.0;
+    told.semi_major = system.parameters[slot::semiMajorAxis];
+    told.semi_minor = system.parameters[slot::semiMinorAxis];
+    told.name = source.name.c_str();
+    told.kind_name = source.kind.c_str();
+    told.ellipsoid = source.ellipsoid.c_str();
+    told.file = source.file.c_str();
+    return told;
+}
+
+// The columns of a caller, dense where there are no strides.
+template <typename Columns, typename Value>
+void take_columns(Columns& columns, Value* const* values, const std::ptrdiff_t* strides) noexcept {
+    for (std::size_t number = 0; number < columns.size(); ++number) {
+        columns[number].values = load<Value*>(values, number);
+        if (strides != nullptr) {
+            columns[number].stride = load<std::ptrdiff_t>(strides, number);
+        }
+    }
+}
+
+}  // namespace
+
+int lagestatus_directory_open(const char* path, int flags, lagestatus_directory** directory,
+                              lagestatus_failure* failure) {
+    if (directory != nullptr) {
+        *directory = nullptr;
+    }
+    if (path == nullptr || directory == nullptr || (flags & ~LAGESTATUS_READ_NOW) != 0) {
+        return tell(failure, LAGESTATUS_ARGUMENT);
+    }
+    return guarded(failure, [=] {
+        auto opened = std::make_unique<lagestatus_directory>(path);
+        const Status status = tell(failure, opened->directory.failure());
+        if (status == status::ok) {
+            if ((flags & LAGESTATUS_READ_NOW) != 0) {
+                opened->directory.read_all();
+            }
+            *directory = opened.release();
+        }
+        return status;
+    });
+}
+
+void lagestatus_directory_close(lagestatus_directory* directory) {
+    delete directory;  // NOLINT(cppcoreguidelines-owning-memory): the caller's until now
+}
+
+size_t lagestatus_directory_count(const lagestatus_directory* directory) {
+    return directory != nullptr ? directory->directory.entries().size() : 0;
+}
+
+int lagestatus_directory_system(const lagestatus_directory* directory, size_t index,
+                                lagestatus_system* system) {
+    if (index >= lagestatus_directory_count(directory) || !has_size(system)) {
+        return LAGESTATUS_ARGUMENT;
+    }
+    return guarded(nullptr, [=] {
+        const DefinitionEntry& entry = directory->directory.entries()[index];
+        fill(system, described(entry, directory->directory.system(entry, Column::intoBessel),
+                               directory->directory.system(entry, Column::outOfBessel)));
+        return status::ok;
+    });
+}
+
+int lagestatus_directory_read(const lagestatus_directory* directory, int code, int role,
+                              lagestatus_failure* failure) {
+    if (directory == nullptr || (role != LAGESTATUS_SOURCE && role != LAGESTATUS_TARGET)) {
+        return tell(failure, LAGESTATUS_ARGUMENT);
+    }
+    return guarded(failure, [=] {
+        Failure told;
+        (void)read_system(directory->directory, code,
+                          role == LAGESTATUS_SOURCE ? Column::intoBessel : Column::outOfBessel, told);
+        return tell(failure, told);
+    });
+}
+
+int lagestatus_directory_height_model(const lagestatus_directory* directory, lagestatus_height_model* model,
+                                      lagestatus_failure* failure) {
+    if (directory == nullptr || (model != nullptr && !has_size(model))) {
+        return tell(failure, LAGESTATUS_ARGUMENT);
+    }
+    return guarded(failure, [=] {
+        const auto held = directory->directory.height_model();
+        const auto& defect = held->defect();
+        const Status status = tell(failure, Failure{defect.status, directory->directory.path_of(heightModelFileName),
+                                                    defect.line, utf8_of(defect.text)});
+        if (status == status::ok && model != nullptr) {
+            const auto& [longitude, latitude] =
+                std::tie(held->header().longitude, held->header().latitude);
+            lagestatus_height_model values = {};
+            values.columns = longitude.count;
+            values.rows = latitude.count;
+            values.values = static_cast<std::int64_t>(held->count());
+            values.memory = static_cast<std::int64_t>(held->memory());
+            values.west = longitude.smallest;
+            values.east = longitude.largest;
+            values.south = latitude.smallest;
+            values.north = latitude.largest;
+            values.column_spacing = longitude.spacing;
+            values.row_spacing = latitude.spacing;
+            fill(model, values);
+        }
+        return status;
+    });
+}
+
+int lagestatus_transformation_open(const lagestatus_directory* directory, int source, int target,
+                                   const lagestatus_options* options,
+                                   lagestatus_transformation** transformation, lagestatus_failure* failure) {
+    if (transformation != nullptr) {
+        *transformation = nullptr;
+    }
+    TransformationOptions how;
+    const Status given = directory == nullptr || transformation == nullptr ? LAGESTATUS_ARGUMENT
+                                                                           : read_options(options, how);
+    if (given != status::ok) {
+        return tell(failure, given);
+    }
+    return guarded(failure, [&]() -> Status {
+        const Directory& files = directory->directory;
+        Failure told;
+        const ReadSystem* const from = read_system(files, source, Column::intoBessel, told);
+        const ReadSystem* const to =
+            from != nullptr ? read_system(files, target, Column::outOfBessel, told) : nullptr;
+        if (to == nullptr) {
+            return tell(failure, told);
+        }
+        const auto& [here, there] = std::tie(from->description, to->description);
+        if (const char* const contradiction = Transformation::contradiction(here, there, how);
+            contradiction != nullptr) {
+            return tell(failure, LAGESTATUS_ARGUMENT, contradiction);
+        }
+        const bool needsModel = Transformation::needs_height_model(here, there, how);
+        *transformation = new lagestatus_transformation{
+            Transformation(here, there, how, needsModel ? files.height_model() : nullptr)};
+        return tell(failure, Failure{});
+    });
+}
+
+void lagestatus_transformation_close(lagestatus_transformation* transformation) {
+    delete transformation;  // NOLINT(cppcoreguidelines-owning-memory): the caller's until now
+}
+
+int64_t lagestatus_transform(const lagestatus_transformation* transformation, size_t count,
+                             const double* const* input, const ptrdiff_t* inputStrides, double* const* output,
+                             const ptrdiff_t* outputStrides, int* status, size_t* defaulted) {
+    if (transformation == nullptr || input == nullptr || output == nullptr) {
+        return LAGESTATUS_ARGUMENT;
+    }
+    const Transformation& how = transformation->transformation;
+    std::array<InputColumn, 3> given;
+    std::array<OutputColumn, 4> wanted;
+    take_columns(given, input, inputStrides);
+    take_columns(wanted, output, outputStrides);
+    const bool complete = given[0].values != nullptr && given[1].values != nullptr &&
+                          (given[2].values != nullptr || !how.needs_third_input()) &&
+                          wanted[0].values != nullptr && wanted[1].values != nullptr &&
+                          (wanted[2].values != nullptr || !how.has_third_output()) &&
+                          (wanted[3].values != nullptr || !how.has_normal_output());
+    if (!complete) {
+        return LAGESTATUS_ARGUMENT;
+    }
+    const DefaultFloatEnvironment environment;
+    const Transformation::Outcome outcome = how.carry(count, given, wanted, status);
+    if (defaulted != nullptr) {
+        store<std::size_t>(defaulted, 0, outcome.defaulted);
+    }
+    return outcome.failures;
+}
+
+size_t lagestatus_message(int status, const char* file, char* buffer, size_t size) {
+    if (buffer == nullptr) {
+        size = 0;
+    }
+    const auto put = [=](std::string_view message) {
+        if (size > 0) {
+            put_text(message, buffer, size);
+        }
+        return message.size();
+    };
+    try {
+        return put(status < 0 ? std::string(own_message(status))
+                              : message_text(status, file != nullptr ? file : ""));
+    } catch (...) {
+        return put("");
+    }
+}
+
+const char* lagestatus_version() {
+    return LAGESTATUS_VERSION;
+}
