@@ -125,7 +125,8 @@ Transformed Road::transform(const Point& point, Heights heights) const {
     const HeightFlags flags = {.sourceIsNormal = heights.normalGiven,
                                .targetWantsNormal = heights.normalWanted,
                                .alsoUnasked = false};
-    transformed.status = transform_point(point, source, target, flags, StreamedHeightModel(directory), transformed.result);
+    transformed.status =
+        transform_point(point, source, target, flags, StreamedHeightModel(directory), transformed.result);
     return transformed;
 }
 

@@ -40,8 +40,7 @@ const ReadSystem& Directory::system(const DefinitionEntry& entry, Column column)
     if (slot == nullptr) {
         auto read = std::make_unique<ReadSystem>();
         LineReader lines;
-        Status status =
-            open_parameter_file(lines, name, entry.name.view(), record.scrambled, PathText::utf8);
+        Status status = open_parameter_file(lines, name, entry.name.view(), record.scrambled, PathText::utf8);
         if (status == status::ok) {
             status = read_parameters(lines, column, entry.code, read->description);
         }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -57,11 +58,13 @@ std::string_view own_message(Status status) noexcept {
         case LAGESTATUS_MEMORY:
             return "Der Arbeitsspeicher reicht nicht aus";
         case LAGESTATUS_UNAVAILABLE:
-            return "Diese Version hat die schnelle Berechnung nicht";
+            return "Das gibt es in dieser Version nicht";
         default:
             return {};
     }
 }
+
+constexpr std::string_view nullPointer = "Ein Zeiger, der nicht fehlen darf, ist null";
 
 // Tells the caller what failed. Needs no memory for the statuses of this interface.
 Status tell(lagestatus_failure* told, Status status, std::string_view reason = {}) noexcept {
@@ -131,38 +134,58 @@ const ReadSystem* read_system(const Directory& directory, int code, Column colum
     return failure.status == status::ok ? &system : nullptr;
 }
 
-// What keeps a caller's options from being meant: an own status, or 0 and the options.
-Status read_options(const lagestatus_options* given, TransformationOptions& options) noexcept {
+// What a caller's options are, or why they cannot be meant.
+struct GivenOptions {
+    TransformationOptions options;
+    Status status = status::ok;  // of this interface
+    std::string_view reason;     // German; empty for the status' own
+};
+
+GivenOptions refused(std::string_view reason) noexcept {
+    return {{}, LAGESTATUS_ARGUMENT, reason};
+}
+
+GivenOptions read_options(const lagestatus_options* given) noexcept {
     if (given == nullptr) {
-        return status::ok;
+        return {};
     }
     if (!has_size(given)) {
-        return LAGESTATUS_ARGUMENT;
+        return refused("size der Optionen ist nicht gesetzt");
     }
     const auto values = load<lagestatus_options>(given);
     const auto* const bytes = reinterpret_cast<const char*>(given);  // NOLINT(*-reinterpret-cast)
     if (std::any_of(bytes + sizeof(values), bytes + values.size, [](char byte) { return byte != 0; })) {
-        return LAGESTATUS_UNAVAILABLE;
+        return {{}, LAGESTATUS_UNAVAILABLE, "Diese Version kennt eine der Optionen nicht"};
     }
-    const auto within = [](int value, int last) { return value >= 0 && value <= last; };
-    if (!within(values.height_given, LAGESTATUS_HEIGHT_NORMAL) ||
-        !within(values.height_wanted, LAGESTATUS_HEIGHT_BOTH) ||
-        !within(values.source_axes, LAGESTATUS_AXES_EASTING_FIRST) ||
-        !within(values.target_axes, LAGESTATUS_AXES_EASTING_FIRST) ||
-        !within(values.calculation, LAGESTATUS_FAST) || !within(values.has_default_height, 1)) {
-        return LAGESTATUS_ARGUMENT;
+    struct Choice {
+        int value;
+        int last;
+        std::string_view reason;
+    };
+    for (const auto& [value, last, reason] :
+         {Choice{values.height_given, LAGESTATUS_HEIGHT_NORMAL, "height_given hat einen unbekannten Wert"},
+          Choice{values.height_wanted, LAGESTATUS_HEIGHT_BOTH, "height_wanted hat einen unbekannten Wert"},
+          Choice{values.source_axes, LAGESTATUS_AXES_EASTING_FIRST, "source_axes hat einen unbekannten Wert"},
+          Choice{values.target_axes, LAGESTATUS_AXES_EASTING_FIRST, "target_axes hat einen unbekannten Wert"},
+          Choice{values.calculation, LAGESTATUS_FAST, "calculation hat einen unbekannten Wert"},
+          Choice{values.has_default_height, 1, "has_default_height ist weder 0 noch 1"}}) {
+        if (value < 0 || value > last) {
+            return refused(reason);
+        }
     }
     if (values.calculation == LAGESTATUS_FAST) {
-        return LAGESTATUS_UNAVAILABLE;
+        return {{}, LAGESTATUS_UNAVAILABLE, "Diese Version hat die schnelle Berechnung nicht"};
     }
-    options.given = static_cast<HeightGiven>(values.height_given);
-    options.wanted = static_cast<HeightWanted>(values.height_wanted);
-    options.sourceEastingFirst = values.source_axes == LAGESTATUS_AXES_EASTING_FIRST;
-    options.targetEastingFirst = values.target_axes == LAGESTATUS_AXES_EASTING_FIRST;
+    GivenOptions read;
+    read.options = {static_cast<HeightGiven>(values.height_given),
+                    static_cast<HeightWanted>(values.height_wanted),
+                    values.source_axes == LAGESTATUS_AXES_EASTING_FIRST,
+                    values.target_axes == LAGESTATUS_AXES_EASTING_FIRST,
+                    {}};
     if (values.has_default_height != 0) {
-        options.defaultHeight = values.default_height;
+        read.options.defaultHeight = values.default_height;
     }
-    return status::ok;
+    return read;
 }
 
 // The numbers of the interface are those inside.
@@ -228,8 +251,17 @@ int lagestatus_directory_open(const char* path, int flags, lagestatus_directory*
     if (directory != nullptr) {
         *directory = nullptr;
     }
-    if (path == nullptr || directory == nullptr || (flags & ~LAGESTATUS_READ_NOW) != 0) {
-        return tell(failure, LAGESTATUS_ARGUMENT);
+    if (path == nullptr || directory == nullptr) {
+        return tell(failure, LAGESTATUS_ARGUMENT, nullPointer);
+    }
+    const std::size_t length = strnlen(path, LAGESTATUS_PATH_MAX + 1);
+    if (length == 0 || length > LAGESTATUS_PATH_MAX) {
+        return tell(failure, LAGESTATUS_ARGUMENT,
+                    length == 0 ? "Der Pfad ist leer; das aktuelle Verzeichnis ist \".\""
+                                : "Der Pfad des Verzeichnisses hat mehr als 299 Bytes");
+    }
+    if ((flags & ~LAGESTATUS_READ_NOW) != 0) {
+        return tell(failure, LAGESTATUS_ARGUMENT, "flags hat einen unbekannten Wert");
     }
     return guarded(failure, [=] {
         auto opened = std::make_unique<lagestatus_directory>(path);
@@ -268,7 +300,8 @@ int lagestatus_directory_system(const lagestatus_directory* directory, size_t in
 int lagestatus_directory_read(const lagestatus_directory* directory, int code, int role,
                               lagestatus_failure* failure) {
     if (directory == nullptr || (role != LAGESTATUS_SOURCE && role != LAGESTATUS_TARGET)) {
-        return tell(failure, LAGESTATUS_ARGUMENT);
+        return tell(failure, LAGESTATUS_ARGUMENT,
+                    directory == nullptr ? nullPointer : "role ist weder Quelle noch Ziel");
     }
     return guarded(failure, [=] {
         Failure told;
@@ -281,16 +314,17 @@ int lagestatus_directory_read(const lagestatus_directory* directory, int code, i
 int lagestatus_directory_height_model(const lagestatus_directory* directory, lagestatus_height_model* model,
                                       lagestatus_failure* failure) {
     if (directory == nullptr || (model != nullptr && !has_size(model))) {
-        return tell(failure, LAGESTATUS_ARGUMENT);
+        return tell(failure, LAGESTATUS_ARGUMENT,
+                    directory == nullptr ? nullPointer : "size des Höhenmodells ist nicht gesetzt");
     }
     return guarded(failure, [=] {
         const auto held = directory->directory.height_model();
         const auto& defect = held->defect();
-        const Status status = tell(failure, Failure{defect.status, directory->directory.path_of(heightModelFileName),
-                                                    defect.line, utf8_of(defect.text)});
+        const Status status =
+            tell(failure, Failure{defect.status, directory->directory.path_of(heightModelFileName),
+                                  defect.line, utf8_of(defect.text)});
         if (status == status::ok && model != nullptr) {
-            const auto& [longitude, latitude] =
-                std::tie(held->header().longitude, held->header().latitude);
+            const auto& [longitude, latitude] = std::tie(held->header().longitude, held->header().latitude);
             lagestatus_height_model values = {};
             values.columns = longitude.count;
             values.rows = latitude.count;
@@ -314,13 +348,14 @@ int lagestatus_transformation_open(const lagestatus_directory* directory, int so
     if (transformation != nullptr) {
         *transformation = nullptr;
     }
-    TransformationOptions how;
-    const Status given = directory == nullptr || transformation == nullptr ? LAGESTATUS_ARGUMENT
-                                                                           : read_options(options, how);
-    if (given != status::ok) {
-        return tell(failure, given);
+    if (directory == nullptr || transformation == nullptr) {
+        return tell(failure, LAGESTATUS_ARGUMENT, nullPointer);
     }
-    return guarded(failure, [&]() -> Status {
+    const auto [how, given, reason] = read_options(options);
+    if (given != status::ok) {
+        return tell(failure, given, reason);
+    }
+    return guarded(failure, [&, &how = how]() -> Status {
         const Directory& files = directory->directory;
         Failure told;
         const ReadSystem* const from = read_system(files, source, Column::intoBessel, told);

@@ -39,10 +39,13 @@ void HeldHeightModel::read(HeightModelFile& file, Status openedStatus) {
     const Status status = opened == status::ok ? read_head(file) : opened;
     if (status == status::ok) {
         read_grid(file);
+        if (file.failed()) {
+            defectFound.status = status::heightModel + status::fileEnds;
+        }
     } else if (!isEmpty) {
         const bool hasLine = status != status::heightModelNotOpened && status != status::fileEnds;
-        defectOfHead = {status::heightModel + status, hasLine ? file.line_number() : 0,
-                        std::string(hasLine ? file.text() : "")};
+        defectFound = {status::heightModel + status, hasLine ? file.line_number() : 0,
+                       std::string(hasLine ? file.text() : "")};
     }
 }
 

@@ -31,13 +31,14 @@ class HeldHeightModel final : public HeightAnomalies {
     [[nodiscard]] Status at(double lam, double phi, double& zeta) const noexcept override;
     [[nodiscard]] Status at(const Geocentric& point, Found& found) const noexcept override;
 
-    // What is wrong with its head, and where: 0, or the status that points get (from 1000).
+    // What is wrong with its head, and where, or that the file cannot be read to its end: 0, or the status that points
+    // get (from 1000).
     struct Defect {
         Status status = status::ok;
         std::int64_t line = 0;  // 0: no line
         std::string text;       // of that line, as it is stored
     };
-    [[nodiscard]] const Defect& defect() const noexcept { return defectOfHead; }
+    [[nodiscard]] const Defect& defect() const noexcept { return defectFound; }
 
     // The head, complete without a defect.
     [[nodiscard]] const HeightModel& header() const noexcept { return model; }
@@ -66,7 +67,7 @@ class HeldHeightModel final : public HeightAnomalies {
     Status axes = status::ok;  // of reading the semi-axes of Bessel,
     Status rest = status::ok;  // and the other lines of the head
     bool isEmpty = false;      // no line at all: every height anomaly is 0
-    Defect defectOfHead;
+    Defect defectFound;
     std::optional<HeightLookup> lookup;
     std::vector<double> values;  // seven a line; NaN: there is none, or its line is odd
     std::vector<OddLine> oddLines;

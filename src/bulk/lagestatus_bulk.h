@@ -34,8 +34,7 @@
  *     lagestatus_directory_close(directory);
  *
  * Texts
- *   Every text is UTF-8, on Windows too, with a zero byte at its end. Path names have at most LAGESTATUS_PATH_MAX
- *   bytes; a longer one counts as a directory whose files cannot be opened.
+ *   Every text is UTF-8, on Windows too, with a zero byte at its end.
  *
  * Status
  *   0 is success, positive values are those of lagestatus.h. Of this interface's own:
@@ -129,7 +128,7 @@ typedef struct lagestatus_failure {
 /*
  * Opens a data directory and reads its DEFAULT.
  *
- * Given:    path       "." is the current directory
+ * Given:    path       1 to LAGESTATUS_PATH_MAX bytes; "." is the current directory
  *           flags      0, or LAGESTATUS_READ_NOW: parameter files and height model are read at once; what is wrong with
  *                      them is told when it is asked for, as it is without
  *           failure    may be null
@@ -202,24 +201,26 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_read(const lagestat
 
 /* The height model of a directory. Later versions may add members at its end. */
 typedef struct lagestatus_height_model {
-    size_t size;          /* set by the caller: sizeof(lagestatus_height_model) */
-    int64_t columns;      /* of the grid, from west to east */
-    int64_t rows;         /* from south to north */
-    int64_t values;       /* that the file has a place for in its lines: seven each */
-    int64_t memory;       /* bytes that it takes */
-    double west, east;    /* degrees: longitudes of the first column and the end of the grid, */
-    double south, north;  /* latitudes of the first row and the end of the grid */
+    size_t size;           /* set by the caller: sizeof(lagestatus_height_model) */
+    int64_t columns;       /* of the grid, from west to east */
+    int64_t rows;          /* from south to north */
+    int64_t values;        /* that the file has a place for in its lines: seven each */
+    int64_t memory;        /* bytes that it takes */
+    double west, east;     /* degrees: longitudes of the first column and the end of the grid, */
+    double south, north;   /* latitudes of the first row and the end of the grid */
     double column_spacing; /* degrees */
     double row_spacing;
 } lagestatus_height_model;
 
 /*
- * Reads the height model, if that was not done before, and says what is wrong with its head.
+ * Reads the height model, if that was not done before, and says what is wrong with its head, or that it cannot be read
+ * to its end.
  *
  * Given:    model    with its size; may be null
  *           failure  may be null
- * Returned: status   0; 1110, 1100, 1027 to 1048, 1101 to 1107, 1127, 1128; LAGESTATUS_ARGUMENT, LAGESTATUS_MEMORY.
- *                    A grid that ends early or lacks values fails the points that need them, not this function
+ * Returned: status   0, also for a file without a data line, whose height anomalies are 0; 1110, 1100, 1027 to 1048,
+ *                    1101 to 1107, 1127, 1128; LAGESTATUS_ARGUMENT, LAGESTATUS_MEMORY. A grid that ends early or lacks
+ *                    values fails the points that need them, not this function
  *           model    unchanged after a failure
  */
 LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
@@ -240,15 +241,15 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
 
 /* How points are to be carried. All members but size may be 0. Later versions may add members at its end. */
 typedef struct lagestatus_options {
-    size_t size;           /* set by the caller: sizeof(lagestatus_options) */
-    int height_given;      /* what the third column of the input holds; NONE: it is not read, and heights count as 0.
-                              The Z of a geocentric source is no height: NORMAL means nothing there */
-    int height_wanted;     /* ELLIPSOIDAL in the third column of the output, NORMAL in the fourth, BOTH in both; NONE in
+    size_t size;      /* set by the caller: sizeof(lagestatus_options) */
+    int height_given; /* what the third column of the input holds; NONE: it is not read, and every height counts as
+                              the default height, without one as 0. The Z of a geocentric source is no height: NORMAL means nothing there */
+    int height_wanted; /* ELLIPSOIDAL in the third column of the output, NORMAL in the fourth, BOTH in both; NONE in
                               neither. Z of a geocentric target is always written. A height that is wanted must be
                               given, and a geocentric target has no NORMAL one alone */
-    int source_axes;       /* LAGESTATUS_AXES_... */
+    int source_axes; /* LAGESTATUS_AXES_... */
     int target_axes;
-    int calculation;       /* LAGESTATUS_REFERENCE: the bits of the seven functions */
+    int calculation;        /* LAGESTATUS_REFERENCE: the bits of the seven functions */
     int has_default_height; /* 1: points whose height is NaN take default_height, and are counted; 0: they fail */
     double default_height; /* metres, of the kind that height_given says; finite */
 } lagestatus_options;
@@ -294,9 +295,9 @@ lagestatus_transformation_close(lagestatus_transformation* transformation);
  * other.
  */
 LAGESTATUS_BULK_API int64_t LAGESTATUS_CALL
-lagestatus_transform(const lagestatus_transformation* transformation, size_t count, const double* const* input,
-                     const ptrdiff_t* inputStrides, double* const* output, const ptrdiff_t* outputStrides,
-                     int* status, size_t* defaulted);
+lagestatus_transform(const lagestatus_transformation* transformation, size_t count,
+                     const double* const* input, const ptrdiff_t* inputStrides, double* const* output,
+                     const ptrdiff_t* outputStrides, int* status, size_t* defaulted);
 
 /*
  * Writes the German message for a status.

@@ -110,8 +110,7 @@ Opened open_without_case(std::string_view path) noexcept {
 
 }  // namespace
 
-FileHandle open_data_file(std::string_view directory, std::string_view name,
-                          PathText /*encoding*/) noexcept {
+FileHandle open_data_file(std::string_view directory, std::string_view name, PathText /*encoding*/) noexcept {
     Path joined(directory);
     joined.append(name);
     Path path;

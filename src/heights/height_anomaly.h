@@ -36,7 +36,7 @@ class HeightAnomalies {
 
     // What there is at a point that is given by its geocentric coordinates.
     struct Found {
-        Geographic onBessel;        // by the semi-axes of the height model file, never those of a system
+        Geographic onBessel;         // by the semi-axes of the height model file, never those of a system
         Status status = status::ok;  // of the height anomaly, as above
         double zeta = 0.0;
     };
@@ -73,10 +73,11 @@ class HeightLookup {
 
     // Where a point lies in the grid, and what its height anomaly on GRS80 is larger by than that on Bessel.
     struct Cell {
-        std::array<std::int64_t, 4> corners;  // numbers of the values: the southern two from the west, the northern two
-        double s = 0.0;                       // 0 to 1 from the west,
-        double t = 0.0;                       // and from the south
-        double correction = 0.0;              // metres
+        std::array<std::int64_t, 4>
+            corners;              // numbers of the values: the southern two from the west, the northern two
+        double s = 0.0;           // 0 to 1 from the west,
+        double t = 0.0;           // and from the south
+        double correction = 0.0;  // metres
     };
 
     // Given:    lam, phi   radians, on the Bessel ellipsoid

@@ -115,9 +115,8 @@ bool read_grid_axis(std::string_view text, GridAxis& axis) noexcept {
 }
 
 std::string_view behind_grid_value(std::string_view text) noexcept {
-    text.remove_prefix(std::min(text.find_first_of(" \n"), text.size()));
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    return text;
+    const auto* const end = std::ranges::find_if(text, [](char each) { return each == ' ' || each == '\n'; });
+    return {std::find_if(end, text.end(), [](char each) { return each != ' ' && each != '\t'; }), text.end()};
 }
 
 Status GridLine::value(int wanted, double& value) noexcept {

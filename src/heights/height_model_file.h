@@ -101,8 +101,7 @@ class HeightModelFile {
     //
     // Given:    directory  at most 299 characters; "." or empty for the current directory
     // Returned: status     0; 110 not opened; 100 the key is missing or nothing follows it
-    [[nodiscard]] Status open(std::string_view directory,
-                              PathText encoding = PathText::western) noexcept;
+    [[nodiscard]] Status open(std::string_view directory, PathText encoding = PathText::western) noexcept;
 
     // Returned: status     0; 100 the key is missing or nothing follows it
     [[nodiscard]] Status read_key() noexcept { return lines.read_key(); }

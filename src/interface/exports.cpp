@@ -2,14 +2,14 @@
 #include <array>
 #include <cstddef>
 
+#include "base/caller_memory.h"
+#include "base/float_environment.h"
 #include "base/system_description.h"
 #include "datafiles/data_file.h"
 #include "datafiles/definition_file.h"
 #include "datafiles/parameter_file.h"
 #include "engine/pipeline.h"
-#include "base/caller_memory.h"
 #include "interface/driver.h"
-#include "base/float_environment.h"
 #include "interface/lagestatus.h"
 #include "interface/messages.h"
 #include "interface/wide_text.h"
@@ -146,8 +146,8 @@ int transr_dll(const double* point, const lagestatus_char* sourceKind, const lag
                                  .targetWantsNormal = targetHeightFlag == flagSet};
     const auto directory = narrow_cut<directorySize>(dataDir);
     Result reached = {};
-    const Status status = transform_point(given, source, target, heights,
-                                            StreamedHeightModel(directory.view()), reached);
+    const Status status =
+        transform_point(given, source, target, heights, StreamedHeightModel(directory.view()), reached);
     store_array(result, reached);
     return status;
 }

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
-#include "base/messages.h"
 #include "base/caller_memory.h"
+#include "base/messages.h"
 
 namespace lagestatus {
 namespace {
