@@ -163,12 +163,12 @@ GivenOptions read_options(const lagestatus_options* given) noexcept {
         std::string_view reason;
     };
     for (const auto& [value, last, reason] :
-         {Choice{values.height_given, LAGESTATUS_HEIGHT_NORMAL, "height_given hat einen unbekannten Wert"},
-          Choice{values.height_wanted, LAGESTATUS_HEIGHT_BOTH, "height_wanted hat einen unbekannten Wert"},
-          Choice{values.source_axes, LAGESTATUS_AXES_EASTING_FIRST, "source_axes hat einen unbekannten Wert"},
-          Choice{values.target_axes, LAGESTATUS_AXES_EASTING_FIRST, "target_axes hat einen unbekannten Wert"},
+         {Choice{values.heightGiven, LAGESTATUS_HEIGHT_NORMAL, "heightGiven hat einen unbekannten Wert"},
+          Choice{values.heightWanted, LAGESTATUS_HEIGHT_BOTH, "heightWanted hat einen unbekannten Wert"},
+          Choice{values.sourceAxes, LAGESTATUS_AXES_EASTING_FIRST, "sourceAxes hat einen unbekannten Wert"},
+          Choice{values.targetAxes, LAGESTATUS_AXES_EASTING_FIRST, "targetAxes hat einen unbekannten Wert"},
           Choice{values.calculation, LAGESTATUS_FAST, "calculation hat einen unbekannten Wert"},
-          Choice{values.has_default_height, 1, "has_default_height ist weder 0 noch 1"}}) {
+          Choice{values.hasDefaultHeight, 1, "hasDefaultHeight ist weder 0 noch 1"}}) {
         if (value < 0 || value > last) {
             return refused(reason);
         }
@@ -177,13 +177,13 @@ GivenOptions read_options(const lagestatus_options* given) noexcept {
         return {{}, LAGESTATUS_UNAVAILABLE, "Diese Version hat die schnelle Berechnung nicht"};
     }
     GivenOptions read;
-    read.options = {static_cast<HeightGiven>(values.height_given),
-                    static_cast<HeightWanted>(values.height_wanted),
-                    values.source_axes == LAGESTATUS_AXES_EASTING_FIRST,
-                    values.target_axes == LAGESTATUS_AXES_EASTING_FIRST,
+    read.options = {static_cast<HeightGiven>(values.heightGiven),
+                    static_cast<HeightWanted>(values.heightWanted),
+                    values.sourceAxes == LAGESTATUS_AXES_EASTING_FIRST,
+                    values.targetAxes == LAGESTATUS_AXES_EASTING_FIRST,
                     {}};
-    if (values.has_default_height != 0) {
-        read.options.defaultHeight = values.default_height;
+    if (values.hasDefaultHeight != 0) {
+        read.options.defaultHeight = values.defaultHeight;
     }
     return read;
 }
@@ -215,19 +215,19 @@ lagestatus_system described(const DefinitionEntry& entry, const ReadSystem& sour
     lagestatus_system told = {};
     told.code = entry.code;
     told.auxiliary = entry.auxiliary;
-    told.source_status = source.failure.status;
-    told.target_status = target.failure.status;
+    told.sourceStatus = source.failure.status;
+    told.targetStatus = target.failure.status;
     told.kind = static_cast<int>(traits.kind);
-    told.in_bessel_datum = lies_in_bessel_datum(system.ellipsoidName.view()) ? 1 : 0;
-    told.has_strips = hasStrips ? 1 : 0;
-    told.zone_number = traits.hasStrips && !hasStrips ? system.zoneNumber : 0;
-    told.strip_width = hasStrips ? zones.width : 0;
-    told.strip_offset = hasStrips ? zones.offset : 0;
-    told.central_meridian = traits.isPlane && !hasStrips ? origin : 0.0;
-    told.semi_major = system.parameters[slot::semiMajorAxis];
-    told.semi_minor = system.parameters[slot::semiMinorAxis];
+    told.inBesselDatum = lies_in_bessel_datum(system.ellipsoidName.view()) ? 1 : 0;
+    told.hasStrips = hasStrips ? 1 : 0;
+    told.zoneNumber = traits.hasStrips && !hasStrips ? system.zoneNumber : 0;
+    told.stripWidth = hasStrips ? zones.width : 0;
+    told.stripOffset = hasStrips ? zones.offset : 0;
+    told.centralMeridian = traits.isPlane && !hasStrips ? origin : 0.0;
+    told.semiMajor = system.parameters[slot::semiMajorAxis];
+    told.semiMinor = system.parameters[slot::semiMinorAxis];
     told.name = source.name.c_str();
-    told.kind_name = source.kind.c_str();
+    told.kindName = source.kind.c_str();
     told.ellipsoid = source.ellipsoid.c_str();
     told.file = source.file.c_str();
     return told;
@@ -334,8 +334,8 @@ int lagestatus_directory_height_model(const lagestatus_directory* directory, lag
             values.east = longitude.largest;
             values.south = latitude.smallest;
             values.north = latitude.largest;
-            values.column_spacing = longitude.spacing;
-            values.row_spacing = latitude.spacing;
+            values.columnSpacing = longitude.spacing;
+            values.rowSpacing = latitude.spacing;
             fill(model, values);
         }
         return status;

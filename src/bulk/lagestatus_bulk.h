@@ -77,8 +77,8 @@
 #ifndef LAGESTATUS_BULK_H
 #define LAGESTATUS_BULK_H
 
-#include <stddef.h>
-#include <stdint.h>
+#include <stddef.h> /* NOLINT(modernize-deprecated-headers): C reads this, too */
+#include <stdint.h> /* NOLINT(modernize-deprecated-headers) */
 
 #if defined(_WIN32) && defined(LAGESTATUS_BULK_BUILD)
 #define LAGESTATUS_BULK_API __declspec(dllexport)
@@ -150,22 +150,22 @@ LAGESTATUS_BULK_API void LAGESTATUS_CALL lagestatus_directory_close(lagestatus_d
 
 /* One system of a directory. Later versions may add members at its end. */
 typedef struct lagestatus_system {
-    size_t size;             /* set by the caller: sizeof(lagestatus_system) */
-    int code;                /* its Lagestatus */
-    int auxiliary;           /* number behind the code in DEFAULT; -1 where there is none */
-    int source_status;       /* what its parameter file gives when it is read for a source, 0 if it serves, */
-    int target_status;       /* and for a target; see lagestatus_directory_read */
-    int kind;                /* LAGESTATUS_KIND_... */
-    int in_bessel_datum;     /* 1: it needs no datum transformation into the hub; else 0 */
-    int has_strips;          /* 1: a family of strips, whose number leads the easting; else 0 */
-    int zone_number;         /* of one meridian: the number in front of its eastings; 0: none */
-    int64_t strip_width;     /* degrees; the central meridian of strip z is strip_width * z + strip_offset */
-    int64_t strip_offset;    /* degrees */
-    double central_meridian; /* degrees, where there are no strips; else 0 */
-    double semi_major;       /* of the ellipsoid, metres */
-    double semi_minor;
-    const char* name;      /* texts as far as they were read, else empty; */
-    const char* kind_name; /* they belong to the directory */
+    size_t size;            /* set by the caller: sizeof(lagestatus_system) */
+    int code;               /* its Lagestatus */
+    int auxiliary;          /* number behind the code in DEFAULT; -1 where there is none */
+    int sourceStatus;       /* what its parameter file gives when it is read for a source, 0 if it serves, */
+    int targetStatus;       /* and for a target; see lagestatus_directory_read */
+    int kind;               /* LAGESTATUS_KIND_... */
+    int inBesselDatum;      /* 1: it needs no datum transformation into the hub; else 0 */
+    int hasStrips;          /* 1: a family of strips, whose number leads the easting; else 0 */
+    int zoneNumber;         /* of one meridian: the number in front of its eastings; 0: none */
+    int64_t stripWidth;     /* degrees; the central meridian of strip z is stripWidth * z + stripOffset */
+    int64_t stripOffset;    /* degrees */
+    double centralMeridian; /* degrees, where there are no strips; else 0 */
+    double semiMajor;       /* of the ellipsoid, metres */
+    double semiMinor;
+    const char* name;     /* texts as far as they were read, else empty; */
+    const char* kindName; /* they belong to the directory */
     const char* ellipsoid;
     const char* file; /* path of the parameter file */
 } lagestatus_system;
@@ -201,15 +201,15 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_read(const lagestat
 
 /* The height model of a directory. Later versions may add members at its end. */
 typedef struct lagestatus_height_model {
-    size_t size;           /* set by the caller: sizeof(lagestatus_height_model) */
-    int64_t columns;       /* of the grid, from west to east */
-    int64_t rows;          /* from south to north */
-    int64_t values;        /* that the file has a place for in its lines: seven each */
-    int64_t memory;        /* bytes that it takes */
-    double west, east;     /* degrees: longitudes of the first column and the end of the grid, */
-    double south, north;   /* latitudes of the first row and the end of the grid */
-    double column_spacing; /* degrees */
-    double row_spacing;
+    size_t size;          /* set by the caller: sizeof(lagestatus_height_model) */
+    int64_t columns;      /* of the grid, from west to east */
+    int64_t rows;         /* from south to north */
+    int64_t values;       /* that the file has a place for in its lines: seven each */
+    int64_t memory;       /* bytes that it takes */
+    double west, east;    /* degrees: longitudes of the first column and the end of the grid, */
+    double south, north;  /* latitudes of the first row and the end of the grid */
+    double columnSpacing; /* degrees */
+    double rowSpacing;
 } lagestatus_height_model;
 
 /*
@@ -241,17 +241,17 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
 
 /* How points are to be carried. All members but size may be 0. Later versions may add members at its end. */
 typedef struct lagestatus_options {
-    size_t size;      /* set by the caller: sizeof(lagestatus_options) */
-    int height_given; /* what the third column of the input holds; NONE: it is not read, and every height counts as
+    size_t size;     /* set by the caller: sizeof(lagestatus_options) */
+    int heightGiven; /* what the third column of the input holds; NONE: it is not read, and every height counts as
                               the default height, without one as 0. The Z of a geocentric source is no height: NORMAL means nothing there */
-    int height_wanted; /* ELLIPSOIDAL in the third column of the output, NORMAL in the fourth, BOTH in both; NONE in
+    int heightWanted; /* ELLIPSOIDAL in the third column of the output, NORMAL in the fourth, BOTH in both; NONE in
                               neither. Z of a geocentric target is always written. A height that is wanted must be
                               given, and a geocentric target has no NORMAL one alone */
-    int source_axes; /* LAGESTATUS_AXES_... */
-    int target_axes;
-    int calculation;        /* LAGESTATUS_REFERENCE: the bits of the seven functions */
-    int has_default_height; /* 1: points whose height is NaN take default_height, and are counted; 0: they fail */
-    double default_height; /* metres, of the kind that height_given says; finite */
+    int sourceAxes; /* LAGESTATUS_AXES_... */
+    int targetAxes;
+    int calculation;      /* LAGESTATUS_REFERENCE: the bits of the seven functions */
+    int hasDefaultHeight; /* 1: points whose height is NaN take defaultHeight, and are counted; 0: they fail */
+    double defaultHeight; /* metres, of the kind that heightGiven says; finite */
 } lagestatus_options;
 
 /*
