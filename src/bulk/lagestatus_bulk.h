@@ -239,19 +239,27 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
 #define LAGESTATUS_REFERENCE 0
 #define LAGESTATUS_FAST 1 /* not in this version: LAGESTATUS_UNAVAILABLE */
 
-/* How points are to be carried. All members but size may be 0. Later versions may add members at its end. */
+/*
+ * How points are to be carried. All members but size may be 0. Later versions may add members at its end.
+ *
+ *   heightGiven     what the third column of the input holds. NONE: it is not read, and every height counts as the
+ *                   default height, without one as 0. The Z of a geocentric source is no height: this is nothing to it
+ *   heightWanted    ELLIPSOIDAL: in the third column of the output; NORMAL: in the fourth; BOTH: in both; NONE: in
+ *                   neither. The Z of a geocentric target is always written, and has no NORMAL height alone. Elsewhere
+ *                   a height that is wanted must be given
+ *   calculation     LAGESTATUS_REFERENCE: the bits of the seven functions
+ *   defaultHeight   of the kind that heightGiven says, for points whose height is NaN, which are counted. Without it
+ *                   they fail
+ */
 typedef struct lagestatus_options {
-    size_t size;     /* set by the caller: sizeof(lagestatus_options) */
-    int heightGiven; /* what the third column of the input holds; NONE: it is not read, and every height counts as
-                              the default height, without one as 0. The Z of a geocentric source is no height: NORMAL means nothing there */
-    int heightWanted; /* ELLIPSOIDAL in the third column of the output, NORMAL in the fourth, BOTH in both; NONE in
-                              neither. Z of a geocentric target is always written. A height that is wanted must be
-                              given, and a geocentric target has no NORMAL one alone */
-    int sourceAxes; /* LAGESTATUS_AXES_... */
-    int targetAxes;
-    int calculation;      /* LAGESTATUS_REFERENCE: the bits of the seven functions */
-    int hasDefaultHeight; /* 1: points whose height is NaN take defaultHeight, and are counted; 0: they fail */
-    double defaultHeight; /* metres, of the kind that heightGiven says; finite */
+    size_t size;          /* set by the caller: sizeof(lagestatus_options) */
+    int heightGiven;      /* LAGESTATUS_HEIGHT_... */
+    int heightWanted;     /* LAGESTATUS_HEIGHT_... */
+    int sourceAxes;       /* LAGESTATUS_AXES_... */
+    int targetAxes;       /* LAGESTATUS_AXES_... */
+    int calculation;      /* LAGESTATUS_REFERENCE, LAGESTATUS_FAST */
+    int hasDefaultHeight; /* 0 or 1 */
+    double defaultHeight; /* metres; finite */
 } lagestatus_options;
 
 /*
