@@ -153,13 +153,12 @@ std::uint64_t total_size(const std::vector<Input>& inputs) {
     return total;
 }
 
-std::size_t block_size(std::size_t jobs, bool withHeights) {
+std::size_t block_size(std::size_t jobs) {
     constexpr std::size_t smallest = std::size_t{1} << 12;
     constexpr std::size_t largest = std::size_t{1} << 17;
     // All pieces together, their input; their output takes up to forty times as much, if every line fails.
     constexpr std::size_t together = std::size_t{1} << 20;
-    // A point with a height costs as much as hundreds without: a piece then is a hundred points or so.
-    return withHeights ? smallest : std::clamp(together / (jobs + 2), smallest, largest);
+    return std::clamp(together / (jobs + 2), smallest, largest);
 }
 
 // Takes the pieces in their order: writes their rows, counts, and says what is to be said.
@@ -248,7 +247,7 @@ int transform_points(const TransformOptions& options) {
                 writer.lines(piece.lines, piece.form, piece.firstLine, piece.written);
             },
             [&outcome](Piece& piece) { outcome.take(piece); });
-        PieceReader reader(form, writer, block_size(jobs, run.normalGiven || run.normalWanted), work);
+        PieceReader reader(form, writer, block_size(jobs), work);
         for (Input& input : inputs) {
             try {
                 InputFile file = input.file ? std::move(*input.file) : open_input(input.name);
