@@ -17,8 +17,8 @@ class DataFile {
     static constexpr std::size_t maxDirectory = 299;  // characters
 
     DataFile() noexcept = default;
-    // Of bytes in the caller's memory, which outlive it; open() is then not to be called. thenFails: they are what could
-    // be read of a file, up to an error.
+    // Of bytes in the caller's memory, which outlive it; open() is then not to be called. thenFails: they are what
+    // could be read of a file, up to an error.
     explicit DataFile(std::string_view heldBytes, bool thenFails = false) noexcept
         : held(heldBytes), failsBehind(thenFails) {}
     ~DataFile();
