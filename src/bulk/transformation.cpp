@@ -109,7 +109,7 @@ Transformation::Outcome Transformation::carry(std::size_t count, const std::arra
     Outcome outcome;
     for (std::size_t number = 0; number < count; ++number) {
         Point point = {read(input[0], number), read(input[1], number),
-                       readsThird ? read(input[2], number) : insteadOfNone};
+                       readsThird ? read(input[2], number) : 0.0};
         if (swapsInput) {
             std::swap(point[0], point[1]);
         }
