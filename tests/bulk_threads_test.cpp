@@ -44,13 +44,13 @@ std::vector<std::uint64_t> everything(const lagestatus_directory* directory,
     for (std::size_t index = 0; index < lagestatus_directory_count(directory); ++index) {
         lagestatus_system s = {};
         s.size = sizeof s;
-        add(std::array{lagestatus_directory_system(directory, index, &s), s.code, s.kind, s.source_status,
-                       s.target_status, static_cast<int>(s.name[0])});
+        add(std::array{lagestatus_directory_system(directory, index, &s), s.code, s.kind, s.sourceStatus,
+                       s.targetStatus, static_cast<int>(s.name[0])});
         codes.push_back(s.code);
     }
     lagestatus_options both = {};
     both.size = sizeof both;
-    both.height_wanted = LAGESTATUS_HEIGHT_BOTH;
+    both.heightWanted = LAGESTATUS_HEIGHT_BOTH;
     for (const int from : codes) {
         for (const int to : codes) {
             lagestatus_transformation* own = nullptr;
@@ -66,8 +66,8 @@ TEST(Bulk, ServesManyThreads) {
     constexpr int threads = 8;
     lagestatus_options normal = {};
     normal.size = sizeof normal;
-    normal.height_given = LAGESTATUS_HEIGHT_NORMAL;
-    normal.height_wanted = LAGESTATUS_HEIGHT_BOTH;
+    normal.heightGiven = LAGESTATUS_HEIGHT_NORMAL;
+    normal.heightWanted = LAGESTATUS_HEIGHT_BOTH;
     const NoHandleLeft handles;
     for (const int code : {103, 303}) {  // of the Bessel datum, and one whose heights are found by iteration
         lagestatus_directory* directory = nullptr;

@@ -71,15 +71,15 @@ std::vector<std::string> listing(const lagestatus_directory* directory) {
         s.size = sizeof s;
         EXPECT_EQ(lagestatus_directory_system(directory, index, &s), 0);
         const auto wrong = [](int status) { return between(status, 7, 48) || status == 100; };
-        expect_status(s.source_status, wrong(s.source_status));
-        expect_status(s.target_status, wrong(s.target_status) || between(s.target_status, 70, 89));
-        EXPECT_TRUE(s.source_status != 0 || (s.kind != LAGESTATUS_KIND_UNKNOWN && s.semi_minor > 0));
+        expect_status(s.sourceStatus, wrong(s.sourceStatus));
+        expect_status(s.targetStatus, wrong(s.targetStatus) || between(s.targetStatus, 70, 89));
+        EXPECT_TRUE(s.sourceStatus != 0 || (s.kind != LAGESTATUS_KIND_UNKNOWN && s.semiMinor > 0));
         std::string row;
-        for (const char* text : {s.name, s.kind_name, s.ellipsoid, s.file}) {
+        for (const char* text : {s.name, s.kindName, s.ellipsoid, s.file}) {
             check_text(text, 1000);
             row += std::string(text) + "\t";
         }
-        for (const int number : {s.code, s.auxiliary, s.source_status, s.target_status, s.kind}) {
+        for (const int number : {s.code, s.auxiliary, s.sourceStatus, s.targetStatus, s.kind}) {
             row += std::to_string(number) + "\t";
         }
         all.push_back(row);
@@ -204,13 +204,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     };
     lagestatus_options how = {};
     how.size = sizeof how;
-    how.height_given = pick(3);
-    how.height_wanted = pick(4);
-    how.source_axes = pick(2);
-    how.target_axes = pick(2);
+    how.heightGiven = pick(3);
+    how.heightWanted = pick(4);
+    how.sourceAxes = pick(2);
+    how.targetAxes = pick(2);
     how.calculation = pick(1);
-    how.has_default_height = pick(2);
-    how.default_height = input.take<std::int16_t>() == -1 ? infinity : 40.0;
+    how.hasDefaultHeight = pick(2);
+    how.defaultHeight = input.take<std::int16_t>() == -1 ? infinity : 40.0;
     const auto fromEntry = input.take<std::uint8_t>(), toEntry = input.take<std::uint8_t>();
     const auto flags = input.take<std::uint8_t>();
     const std::size_t cut = 1 + input.take<std::uint8_t>();
@@ -267,8 +267,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     const bool toGeocentric = kind_of(directory, to) == LAGESTATUS_KIND_GEOCENTRIC;
     const bool fromGeocentric = fromKind == LAGESTATUS_KIND_GEOCENTRIC;
-    const int wanted = how.height_wanted;
-    const Heights heights = {.given = how.height_given == LAGESTATUS_HEIGHT_NORMAL && !fromGeocentric,
+    const int wanted = how.heightWanted;
+    const Heights heights = {.given = how.heightGiven == LAGESTATUS_HEIGHT_NORMAL && !fromGeocentric,
                              .wanted = wanted == LAGESTATUS_HEIGHT_NORMAL || wanted == LAGESTATUS_HEIGHT_BOTH,
                              .ellipsoidal = toGeocentric || wanted == LAGESTATUS_HEIGHT_ELLIPSOIDAL ||
                                             wanted == LAGESTATUS_HEIGHT_BOTH,
@@ -278,13 +278,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     std::size_t defaulted = 0;
     for (std::size_t point = 0; point < count; ++point) {
         double& third = numbers[point][2];
-        if (!fromGeocentric && how.height_given == LAGESTATUS_HEIGHT_NONE) {
-            third = 0.0;
-        } else if (!fromGeocentric && std::isnan(third) && how.has_default_height == 1) {
-            third = how.default_height;
+        const bool notRead = !fromGeocentric && how.heightGiven == LAGESTATUS_HEIGHT_NONE;
+        if (!fromGeocentric && (notRead || std::isnan(third)) && how.hasDefaultHeight == 1) {
+            third = how.defaultHeight;
             ++defaulted;
+        } else if (notRead) {
+            third = 0.0;
         }
-        if (how.source_axes == LAGESTATUS_AXES_EASTING_FIRST && !fromGeocentric) {
+        if (how.sourceAxes == LAGESTATUS_AXES_EASTING_FIRST && !fromGeocentric) {
             std::swap(given[point][0], given[point][1]);
         }
     }
@@ -318,13 +319,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const int sourceStatus = read(from, LAGESTATUS_SOURCE);
     EXPECT_EQ(openedPlainly, sourceStatus != 0 ? sourceStatus : read(to, LAGESTATUS_TARGET));
     EXPECT_TRUE(openedPlainly == 0 || openedPlainly == by[0].status);
-    const bool unknown = std::min({how.height_given, wanted, how.source_axes, how.target_axes,
-                                   how.calculation, how.has_default_height}) < 0;
-    const bool contradictory =
-        (how.has_default_height == 1 && !std::isfinite(how.default_height)) ||
-        (toGeocentric ? wanted == LAGESTATUS_HEIGHT_NORMAL
-                      : !fromGeocentric && how.height_given == LAGESTATUS_HEIGHT_NONE &&
-                            wanted != LAGESTATUS_HEIGHT_NONE);
+    const bool unknown = std::min({how.heightGiven, wanted, how.sourceAxes, how.targetAxes, how.calculation,
+                                   how.hasDefaultHeight}) < 0;
+    const bool contradictory = (how.hasDefaultHeight == 1 && !std::isfinite(how.defaultHeight)) ||
+                               (toGeocentric ? wanted == LAGESTATUS_HEIGHT_NORMAL
+                                             : !fromGeocentric && how.heightGiven == LAGESTATUS_HEIGHT_NONE &&
+                                                   wanted != LAGESTATUS_HEIGHT_NONE);
     EXPECT_EQ(openedAsked, unknown              ? LAGESTATUS_ARGUMENT
                            : openedPlainly != 0 ? openedPlainly
                            : contradictory      ? LAGESTATUS_ARGUMENT
@@ -346,7 +346,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         for (std::size_t point = 0; point < count; ++point) {
             std::array<double, 4> result = apart.results[point];
             EXPECT_TRUE(same_bits(result, within.results[point]));
-            if (how.target_axes == LAGESTATUS_AXES_EASTING_FIRST && !toGeocentric) {
+            if (how.targetAxes == LAGESTATUS_AXES_EASTING_FIRST && !toGeocentric) {
                 std::swap(result[0], result[1]);
             }
             check(heights, wanted, apart.status[point], result, by[point], plain.status[point],
