@@ -4,90 +4,16 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <cstddef>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <utility>
 
 #include "lagestatus.h"
+#include "support.h"
 
-namespace {
-
-using Clock = std::chrono::steady_clock;
-using Micros = std::chrono::duration<double, std::micro>;
-
-std::u16string wide(const std::string& text) {
-    return {text.begin(), text.end()};
-}
-
-// A generated height model of some 5 MB in a directory of its own, which goes with the object.
-class GeneratedModel {
-  public:
-    explicit GeneratedModel(int key) {
-        std::string name =
-            (std::filesystem::temp_directory_path() / ("lagestatus-bench-" + std::string(6, 'X'))).string();
-        directory = mkdtemp(name.data());
-        std::string text = std::to_string(key) + "\n";
-        const auto add = [&text, key](std::string line) {
-            for (std::size_t j = 0; key > 0 && j < line.size(); ++j) {
-                line[j] = static_cast<char>(line[j] + key - 1 - static_cast<int>(j) % key);
-            }
-            text += line + "\n";
-        };
-        for (const char* const number : {"6377397.155", "6356078.962818", "6378137.0", "6356752.31414"}) {
-            add(number);
-        }
-        for (int line = 5; line <= 29; ++line) {
-            add(line == 11 || line == 21 ? "1.0" : "0.0");
-        }
-        add("5.0 15.0 0.0125");
-        add("47.0 56.0 0.01125");
-        std::string line;
-        for (int value = 0; value < columns * rows; ++value) {
-            std::array<char, 16> number = {};
-            std::snprintf(number.data(), number.size(), "%.4f", 40 + value % 99991 * 1e-4);
-            line += number.data();
-            if (value % 7 < 6) {
-                line += ' ';
-            } else {
-                add(line);
-                line.clear();
-            }
-        }
-        add(line);
-        std::ofstream(file(), std::ios::binary) << text;
-    }
-    ~GeneratedModel() { std::filesystem::remove_all(directory); }
-    GeneratedModel(const GeneratedModel&) = delete;
-    GeneratedModel& operator=(const GeneratedModel&) = delete;
-
-    [[nodiscard]] std::string path() const { return directory; }
-    [[nodiscard]] std::string file() const { return directory + "/hoehe.ini"; }
-
-  private:
-    static constexpr int columns = 801;
-    static constexpr int rows = 801;
-    std::string directory;
-};
-
-// One lookup of the height anomaly and nothing else: a system in the Bessel datum, onto itself.
-int look_up(const std::u16string& directory, double latitude, double longitude,
-            std::array<double, 4>& result) {
-    const std::array<double, 3> point = {latitude, longitude, 100.0};
-    std::array<double, LAGESTATUS_PARAMETER_COUNT> parameters = {};
-    parameters[24] = 6377397.155;
-    parameters[25] = 6356078.962818;
-    return transr_dll(point.data(), u"Geographisch", u"Geographisch", result.data(), u"Bessel",
-                      parameters.data(), u"Bessel", parameters.data(), 0, 0, -1, directory.c_str());
-}
-
-// Reads a whole file in large blocks and searches its line feeds, by bare system calls.
-std::size_t read_bare(const std::string& path) {
+std::size_t bench::read_bare(const std::string& path) {
     std::array<char, 65536> buffer;
     const int handle = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     std::size_t lines = 0;
@@ -104,9 +30,24 @@ std::size_t read_bare(const std::string& path) {
     return lines;
 }
 
+namespace {
+
+using namespace bench;
+
+// One lookup of the height anomaly and nothing else: a system in the Bessel datum, onto itself.
+int look_up(const std::u16string& directory, double latitude, double longitude,
+            std::array<double, 4>& result) {
+    const std::array<double, 3> point = {latitude, longitude, 100.0};
+    std::array<double, LAGESTATUS_PARAMETER_COUNT> parameters = {};
+    parameters[24] = 6377397.155;
+    parameters[25] = 6356078.962818;
+    return transr_dll(point.data(), u"Geographisch", u"Geographisch", result.data(), u"Bessel",
+                      parameters.data(), u"Bessel", parameters.data(), 0, 0, -1, directory.c_str());
+}
+
 // The last cell of 5 MB, and the bare reading of the same bytes, in turn; "ratio" is what the promise is about.
 void look_up_the_last_cell_beside_bare_reading(benchmark::State& state) {
-    const GeneratedModel model(static_cast<int>(state.range(0)));
+    const GeneratedModel model(static_cast<int>(state.range(0)), 800);
     const std::u16string directory = wide(model.path());
     std::array<double, 4> result = {};
     Micros ours = {};

@@ -9,14 +9,16 @@
 #include <chrono>
 #include <cmath>
 #include <cstddef>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "lagestatus.h"
+#include "support.h"
 
 namespace {
+
+using namespace bench;
 
 struct Files {
     int from;
@@ -33,10 +35,6 @@ constexpr Files system42ToEtrs89 = {301,
                                     202,
                                     {SAMPLE_DIR "/DEFAULT", SAMPLE_DIR "/system-42-83-geographisch.tra",
                                      SAMPLE_DIR "/etrs89-geozentrisch.tra"}};
-
-std::u16string wide(const std::string& text) {
-    return {text.begin(), text.end()};
-}
 
 const std::u16string sampleDirectory = wide(SAMPLE_DIR);
 
@@ -73,7 +71,6 @@ bool read_bare(const Files& files) {
 
 // The call and the bare reading in turn, so that both meet the same machine; "ratio" is what the promise is about.
 void trans_dll_beside_bare_files(benchmark::State& state, const Files& files) {
-    using Clock = std::chrono::steady_clock;
     std::array<double, LAGESTATUS_RESULT_SIZE> result = {};
     Clock::duration ours = {};
     Clock::duration bare = {};
@@ -103,39 +100,6 @@ BENCHMARK_CAPTURE(trans_dll_beside_bare_files, system_42_83_to_etrs89, system42T
     ->UseManualTime()
     ->Unit(benchmark::kMicrosecond);
 
-// The descriptions of two systems, read once as a caller does who holds them.
-class HeldDescriptions {
-  public:
-    struct System {
-        const char16_t* fileBase;
-        int code;
-    };
-
-    [[nodiscard]] bool read(const System& from, const System& to) {
-        std::array<lagestatus_char, LAGESTATUS_NAME_SIZE> name;
-        return transla_dll(sampleDirectory.c_str(), from.fileBase, 0, from.code, name.data(),
-                           sourceEllipsoid.data(), sourceKind.data(), source.data()) == 0 &&
-               translz_dll(sampleDirectory.c_str(), to.fileBase, 0, to.code, name.data(),
-                           targetEllipsoid.data(), targetKind.data(), &zone, target.data()) == 0;
-    }
-
-    int call_transr_dll(const std::array<double, 3>& point,
-                        std::array<double, LAGESTATUS_RESULT_SIZE>& result) const {
-        return transr_dll(point.data(), sourceKind.data(), targetKind.data(), result.data(),
-                          sourceEllipsoid.data(), source.data(), targetEllipsoid.data(), target.data(), zone,
-                          0, 0, sampleDirectory.c_str());
-    }
-
-  private:
-    std::array<double, LAGESTATUS_PARAMETER_COUNT> source = {};
-    std::array<double, LAGESTATUS_PARAMETER_COUNT> target = {};
-    std::array<lagestatus_char, LAGESTATUS_ELLIPSOID_SIZE> sourceEllipsoid = {};
-    std::array<lagestatus_char, LAGESTATUS_ELLIPSOID_SIZE> targetEllipsoid = {};
-    std::array<lagestatus_char, LAGESTATUS_KIND_SIZE> sourceKind = {};
-    std::array<lagestatus_char, LAGESTATUS_KIND_SIZE> targetKind = {};
-    int zone = 0;
-};
-
 void transr_dll_with_held_descriptions(benchmark::State& state) {
     HeldDescriptions held;
     if (!held.read({u"dhdn-geographisch", 101}, {u"etrs89-geographisch", 201})) {
@@ -150,38 +114,6 @@ void transr_dll_with_held_descriptions(benchmark::State& state) {
     }
 }
 BENCHMARK(transr_dll_with_held_descriptions);
-
-struct Destroy {
-    void operator()(PJ_CONTEXT* context) const { proj_context_destroy(context); }
-    void operator()(PJ* operation) const { proj_destroy(operation); }
-};
-
-constexpr std::size_t planePointCount = 4096;
-constexpr std::size_t blockSize = 256;  // reading the clock twice is nothing beside it
-static_assert(planePointCount % blockSize == 0);
-
-// The third Gauss-Krueger strip from 47.5 to 55 degrees north and 7.6 to 10.4 east, spread evenly in an order without a
-// pattern that a processor could learn: the multiples of two irrational steps. Northing, easting, height.
-std::vector<std::array<double, 3>> points_of_the_third_strip(PJ_CONTEXT* context) {
-    constexpr double latStep = 0.7548776662466927;
-    constexpr double lonStep = 0.5698402909980532;
-    std::vector<std::array<double, 3>> points;
-    const std::unique_ptr<PJ, Destroy> strip(
-        proj_create(context, "+proj=tmerc +lon_0=9 +x_0=3500000 +ellps=bessel"));
-    for (std::size_t i = 0; strip && i < planePointCount; ++i) {
-        const auto n = static_cast<double>(i);
-        const double lat = 47.5 + 7.5 * std::fmod(n * latStep, 1.0);
-        const double lon = 7.6 + 2.8 * std::fmod(n * lonStep, 1.0);
-        const PJ_COORD plane =
-            proj_trans(strip.get(), PJ_FWD, proj_coord(proj_torad(lon), proj_torad(lat), 0.0, 0.0));
-        points.push_back({plane.xy.y, plane.xy.x, 100.0});
-    }
-    return points;
-}
-
-PJ_COORD call_proj(PJ* operation, const std::array<double, 3>& point) {
-    return proj_trans(operation, PJ_FWD, proj_coord(point[1], point[0], point[2], 0.0));
-}
 
 // Whether both reach the same places; PROJ leaves out the zone in front of the easting.
 bool agree_in_zone_32(const HeldDescriptions& held, PJ* operation,
@@ -208,23 +140,17 @@ void transr_dll_gauss_krueger_to_utm_beside_held_proj(benchmark::State& state) {
         state.SkipWithError("the sample data cannot be read");
         return;
     }
-    const std::unique_ptr<PJ_CONTEXT, Destroy> context(proj_context_create());
-    const std::unique_ptr<PJ, Destroy> operation(
-        proj_create(context.get(),
-                    "+proj=pipeline +step +inv +proj=tmerc +lon_0=9 +x_0=3500000 +ellps=bessel "
-                    "+step +proj=cart +ellps=bessel "
-                    "+step +proj=helmert +exact +convention=coordinate_frame +x=598.1 +y=73.7 +z=418.2 "
-                    "+rx=-0.202 +ry=-0.045 +rz=2.455 +s=6.7 +step +inv +proj=cart +ellps=GRS80 "
-                    "+step +proj=utm +zone=32 +ellps=GRS80"));
+    const ProjContext context(proj_context_create());
+    const ProjOperation operation(
+        proj_create(context.get(), (std::string(gaussKruegerToEtrs89) += etrs89ToUtm).c_str()));
     const std::vector<std::array<double, 3>> points = points_of_the_third_strip(context.get());
     if (!operation || !agree_in_zone_32(held, operation.get(), points)) {
         state.SkipWithError("PROJ has no such operation or does not agree");
         return;
     }
 
-    using Clock = std::chrono::steady_clock;
-    std::chrono::duration<double, std::nano> ours = {};
-    std::chrono::duration<double, std::nano> proj = {};
+    Nanos ours = {};
+    Nanos proj = {};
     std::array<double, LAGESTATUS_RESULT_SIZE> result = {};
     std::size_t at = 0;
     for (auto _ : state) {
