@@ -141,7 +141,7 @@ class Compared {
         : path(std::move(directory)), content(std::move(oneFile)), held(opened(path, 0, content)) {
         const Listing listing = list(path);
         EXPECT_EQ(held.status, listing.status);
-        const std::size_t count = held.status == 0 ? std::max(listing.count, 0) : 0;
+        const auto count = static_cast<std::size_t>(held.status == 0 ? std::max(listing.count, 0) : 0);
         EXPECT_EQ(lagestatus_directory_count(held.handle.get()), count);
         const Listing named = list(path, count);
         for (std::size_t index = 0; index < count; ++index) {
@@ -519,7 +519,8 @@ TEST(Bulk, TakesColumnsAsTheyLie) {
             const bool inPlace = column >= 3 && column < 6 && strides[column - 3] != 0 && random() % 3 == 0;
             constexpr std::array<std::ptrdiff_t, 6> some = {8, -8, 9, 56, -31, 800};
             strides[column] = inPlace ? strides[column - 3] : column == 2 && same ? 0 : some[random() % 6];
-            const std::ptrdiff_t begin = strides[column] < 0 ? -strides[column] * (count - 1) : 0;
+            const std::ptrdiff_t begin =
+                std::max<std::ptrdiff_t>(-strides[column], 0) * (std::ptrdiff_t{count} - 1);
             if (!inPlace) {
                 before[column].assign(std::size_t{801} * count, static_cast<unsigned char>(random()));
             }
@@ -568,39 +569,16 @@ TEST(Bulk, RefusesWhatThereIsNot) {
         lagestatus_options options;
         unsigned char tail[9];
     };
-    // From 103, or the geocentric 102; a given member set to a value; the status of opening.
-    using Set = void (*)(Larger&);
-    const std::tuple<int, int, int, Set> cases[] = {
-        {103, 203, 0, [](Larger& l) { l.options.size = sizeof(Larger) - 1; }},
-        {103, 203, LAGESTATUS_UNAVAILABLE, [](Larger& l) { l.options.size += 9, l.tail[8] = 1; }},
-        {103, 203, 0, [](Larger& l) { l.options.size += 8, l.tail[8] = 1; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { --l.options.size; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.size = 0; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.height_given = LAGESTATUS_HEIGHT_BOTH; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.height_wanted = 4; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.height_wanted = -1; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.source_axes = 2; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.target_axes = -1; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.calculation = 2; }},
-        {103, 203, LAGESTATUS_UNAVAILABLE, [](Larger& l) { l.options.calculation = LAGESTATUS_FAST; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.has_default_height = 2; }},
-        {103, 203, LAGESTATUS_ARGUMENT,
-         [](Larger& l) { l.options.has_default_height = 1, l.options.default_height = infinity; }},
-        {103, 203, 0, [](Larger& l) { l.options.default_height = infinity; }},
-        {103, 203, LAGESTATUS_ARGUMENT, [](Larger& l) { l.options.height_given = LAGESTATUS_HEIGHT_NONE; }},
-        {102, 203, 0, [](Larger& l) { l.options.height_given = LAGESTATUS_HEIGHT_NONE; }},
-        {103, 202, 0, [](Larger& l) { l.options.height_given = LAGESTATUS_HEIGHT_NONE; }},
-        {103, 202, LAGESTATUS_ARGUMENT,
-         [](Larger& l) { l.options.height_wanted = LAGESTATUS_HEIGHT_NORMAL; }},
-        {99, 203, 93, [](Larger&) {}},
-        {103, 99, 93, [](Larger&) {}},
-    };
-    for (std::size_t number = 0; const auto& [from, to, status, set] : cases) {
-        SCOPED_TRACE(number++);
+    for (const Row& row : rows("bulk_options.tsv")) {
+        SCOPED_TRACE(::testing::PrintToString(row));
+        std::array<int, 11> n = {};
+        std::ranges::transform(row, n.begin(), [](const std::string& text) { return std::stoi(text); });
         Larger larger = {};
-        larger.options.size = sizeof larger.options;
-        set(larger);
-        EXPECT_EQ(opened(sample.handle, from, to, &larger.options).status, status);
+        larger.options = {sizeof larger.options,   n[4], n[5], n[6], n[7], n[8], n[9],
+                          n[9] == 1 ? infinity : 0};
+        larger.options.size += static_cast<std::size_t>(n[2]);
+        larger.tail[8] = static_cast<unsigned char>(n[3]);
+        EXPECT_EQ(opened(sample.handle, n[0], n[1], &larger.options).status, n[10]);
     }
 
     const auto is_refused = [](auto status) { EXPECT_EQ(status, LAGESTATUS_ARGUMENT); };
@@ -631,17 +609,13 @@ TEST(Bulk, RefusesWhatThereIsNot) {
     lagestatus_transformation_close(nullptr);
 
     // Every column left out, by what is given and wanted: whether that is refused. Those not wanted are all NaN.
-    for (const auto& [from, to, given, wanted, needed] :
-         {std::tuple(103, 203, LAGESTATUS_HEIGHT_ELLIPSOIDAL, LAGESTATUS_HEIGHT_BOTH, "1111111"),
-          {103, 203, LAGESTATUS_HEIGHT_NORMAL, LAGESTATUS_HEIGHT_NORMAL, "1111101"},
-          {103, 203, LAGESTATUS_HEIGHT_ELLIPSOIDAL, LAGESTATUS_HEIGHT_ELLIPSOIDAL, "1111110"},
-          {103, 203, LAGESTATUS_HEIGHT_NONE, LAGESTATUS_HEIGHT_NONE, "1101100"},
-          {103, 202, LAGESTATUS_HEIGHT_NONE, LAGESTATUS_HEIGHT_NONE, "1101110"},
-          {102, 203, LAGESTATUS_HEIGHT_NONE, LAGESTATUS_HEIGHT_NORMAL, "1111101"}}) {
-        const lagestatus_options options = heights(given, wanted);
+    for (const Row& row : rows("bulk_columns.tsv")) {
+        const int from = std::stoi(row[0]), to = std::stoi(row[1]);
+        const std::string& needed = row[4];
+        const lagestatus_options options = heights(std::stoi(row[2]), std::stoi(row[3]));
         auto through = opened(sample.handle, from, to, &options);
         for (std::size_t left = 0; left <= 7; ++left) {
-            SCOPED_TRACE(::testing::Message() << from << ' ' << wanted << ' ' << left);
+            SCOPED_TRACE(::testing::Message() << ::testing::PrintToString(row) << left);
             double values[7] = {5808000, 4590000, 80, 1, 1, 1, 1};
             if (from == 102) {
                 std::ranges::copy(std::array{3785000.0, 902000.0, 5038000.0}, values);
