@@ -733,8 +733,12 @@ TEST(Bulk, FindsItsDirectory) {
     const SmallDirectory small;
     const std::filesystem::path below = std::filesystem::path(small.path()) / u8"\u00E4\u4E2D";
     std::filesystem::create_directory(below);
-    std::filesystem::copy(small.path() + "/DEFAULT", below);
-    EXPECT_EQ(opened(small.path() + "/\u00E4\u4E2D").status, 0);
+    for (const char* name : {"/DEFAULT", "/f.tra", "/hoehe.ini"}) {
+        std::filesystem::copy(small.path() + name, below);
+    }
+    const auto inUtf8 = opened(small.path() + "/\u00E4\u4E2D");
+    EXPECT_EQ(lagestatus_directory_read(inUtf8.handle.get(), 17, LAGESTATUS_SOURCE, nullptr), 0);
+    EXPECT_EQ(lagestatus_directory_height_model(inUtf8.handle.get(), nullptr, nullptr), 0);
     EXPECT_EQ(opened(small.path() + "/\u00E4").status, 1);
     std::string longest = small.path();
     longest.resize(LAGESTATUS_PATH_MAX, '/');
