@@ -386,6 +386,12 @@ int64_t lagestatus_transform(const lagestatus_transformation* transformation, si
     if (transformation == nullptr || input == nullptr || output == nullptr) {
         return LAGESTATUS_ARGUMENT;
     }
+    if (defaulted != nullptr) {
+        store<std::size_t>(defaulted, 0, 0);
+    }
+    if (count == 0) {  // empty arrays often lie at null
+        return 0;
+    }
     const Transformation& how = transformation->transformation;
     std::array<InputColumn, 3> given;
     std::array<OutputColumn, 4> wanted;
@@ -396,7 +402,11 @@ int64_t lagestatus_transform(const lagestatus_transformation* transformation, si
                           wanted[0].values != nullptr && wanted[1].values != nullptr &&
                           (wanted[2].values != nullptr || !how.has_third_output()) &&
                           (wanted[3].values != nullptr || !how.has_normal_output());
-    if (!complete) {
+    const bool heaped =
+        count > 1 && std::any_of(wanted.begin(), wanted.end(), [](const OutputColumn& column) {
+            return column.values != nullptr && column.stride == 0;
+        });
+    if (!complete || heaped) {
         return LAGESTATUS_ARGUMENT;
     }
     const DefaultFloatEnvironment environment;

@@ -290,11 +290,11 @@ lagestatus_transformation_close(lagestatus_transformation* transformation);
  *                          value that all points share. Null: sizeof(double) throughout
  *           output         four columns: the first two coordinates, ellipsoidal height or Z, normal height. One that is
  *                          not wanted may be null; if it is not, it is filled with NaN
- *           outputStrides  likewise; 0 only where one point or none is given
+ *           outputStrides  likewise, but none is 0 where there are several points
  *           status         one a point, or null
  *           defaulted      how many points took the default height; may be null
- * Returned: how many points have a status other than 0; LAGESTATUS_ARGUMENT, with nothing written, for a null pointer
- *           that may not be null
+ * Returned: how many points have a status other than 0; LAGESTATUS_ARGUMENT, with no point written, for a null
+ *           pointer that may not be null or an output stride of 0. Without points nothing is asked of the columns
  *           output         a point with status 0 has all that is wanted. With 1 to 999 all of it is NaN. From 1000 its
  *                          place is there, unless that cannot be computed either, and heights that hang on the height
  *                          anomaly are NaN: given ELLIPSOIDAL the normal one, given NORMAL both. Of a geocentric target
