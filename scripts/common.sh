@@ -125,8 +125,8 @@ stop_wine() { wineserver --kill || true; }
 # The functions that a library of src/FOLDER exports.
 exported_of() { sed -n 's/^ *\([a-zA-Z_]*\);$/\1/p' "src/$1/exports.map" | LC_ALL=C sort; }
 
-# Builds programs outside against an installed tree, by CMake and by pkg-config, and runs them. Usage: try_installed TREE
-# WORK_DIRECTORY
+# Builds programs outside against an installed tree, by CMake and by pkg-config, and runs them.
+# Usage: try_installed TREE WORK_DIRECTORY
 try_installed() {
     local tree=$1 work=$2 libraries example
     libraries=$(dirname "$(find "$tree" -name 'liblagestatus.so' -o -name 'liblagestatus.a' | head -n 1)")

@@ -6,8 +6,8 @@
 #     +xy_out=rad +step +proj=cart +ellps=bessel +step +proj=helmert +exact +convention=coordinate_frame +x=598.1
 #     +y=73.7 +z=418.2 +rx=-0.202 +ry=-0.045 +rz=2.455 +s=6.7
 # Those of many_points too, between +proj=tmerc with the strips' meridians: for Hamburg
-#   echo 3566003.6568 5935902.0197 6 | cct -d 4 +proj=pipeline +step +inv +proj=tmerc +lon_0=9 +x_0=3500000 +ellps=bessel
-#     +step +proj=cart +ellps=bessel +step +proj=helmert (as above) +step +inv +proj=cart +ellps=GRS80
+#   echo 3566003.6568 5935902.0197 6 | cct -d 4 +proj=pipeline +step +inv +proj=tmerc +lon_0=9 +x_0=3500000
+#     +ellps=bessel +step +proj=cart +ellps=bessel +step +proj=helmert (as above) +step +inv +proj=cart +ellps=GRS80
 #     +step +proj=tmerc +lon_0=9 +k_0=0.9996 +x_0=32500000 +ellps=GRS80 +step +proj=axisswap +order=2,1
 expected=example
 case $1 in

@@ -2,8 +2,8 @@
  * Classes over lagestatus_bulk.h, for programs in C++20: directories and transformations that close themselves, columns
  * whose lengths are compared, failures as exceptions.
  *
- * What the functions do is described in lagestatus_bulk.h, and holds here. This header is compiled into the program; the
- * library itself throws nothing across its boundary. Every text is UTF-8.
+ * What the functions do is described in lagestatus_bulk.h, and holds here. This header is for programs in C++ and is
+ * compiled into them; the library itself throws nothing across its boundary. Every text is UTF-8.
  *
  * A whole program
  *     const lagestatus::Directory directory("data/sample");
