@@ -6,13 +6,16 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "base/angles.h"
+#include "bulk/held_height_model.h"
 #include "commands/commands.h"
+#include "datafiles/data_file.h"
 #include "datafiles/field_scanner.h"
 #include "keeper/anomaly_map.h"
 #include "keeper/closure.h"
@@ -50,15 +53,15 @@ struct DefinitionText {
 };
 
 // What is found is added to the findings.
-DefinitionText read_definition_text(const DataDirectory& directory, Findings& findings) {
+DefinitionText read_definition_text(const Directory& directory, Findings& findings) {
     LineReader lines;
-    if (!lines.open(directory.bytes, definitionFileName) || lines.next() != status::ok) {
+    if (!lines.open(directory.path(), definitionFileName, PathText::utf8) || lines.next() != status::ok) {
         findings.reading_error(lines, definitionName);
         return {};
     }
     findings.overlong_line(lines, definitionName);
-    const DefinitionRecord& record = directory.definition;
-    if (directory.status == status::definitionHead) {
+    const DefinitionRecord& record = directory.definition();
+    if (directory.failure().status == status::definitionHead) {
         return {};
     }
     if (record.flag != 0 && record.flag != 1) {
@@ -75,7 +78,7 @@ std::string entries_there(const DefinitionText& text) {
            std::to_string(whole);
 }
 
-void check_definition(const DataDirectory& directory, Findings& findings) {
+void check_definition(const Directory& directory, Findings& findings) {
     const DefinitionText text = read_definition_text(directory, findings);
     const std::size_t read = directory.entries().size();
     const std::string most = std::to_string(maxEntries);
@@ -103,7 +106,7 @@ void check_definition(const DataDirectory& directory, Findings& findings) {
 }
 
 // Where DEFAULT was refused: the reason that a message cannot tell.
-void explain_definition(const DataDirectory& directory) {
+void explain_definition(const Directory& directory) {
     Findings findings;
     const DefinitionText text = read_definition_text(directory, findings);
     const int entries = std::clamp(text.announced, 0, static_cast<int>(maxEntries));
@@ -114,11 +117,11 @@ void explain_definition(const DataDirectory& directory) {
 }
 
 // What the library does not say about a parameter file that it reads.
-void check_parameter_text(const DataDirectory& directory, const DefinitionEntry& entry,
-                          const std::string& file, Findings& findings) {
+void check_parameter_text(const Directory& directory, const DefinitionEntry& entry, const std::string& file,
+                          Findings& findings) {
     LineReader lines;
-    if (open_parameter_file(lines, directory.bytes, entry.name.view(), directory.definition.scrambled) !=
-        status::ok) {
+    if (open_parameter_file(lines, directory.path(), entry.name.view(), directory.definition().scrambled,
+                            PathText::utf8) != status::ok) {
         return;
     }
     const auto checkText = [&](const std::string& name, std::size_t kept) {
@@ -162,31 +165,31 @@ void check_parameter_text(const DataDirectory& directory, const DefinitionEntry&
 
 struct Examined {
     std::string file;
-    System source;
-    System target;
+    const ReadSystem& source;
+    const ReadSystem& target;
 };
 
 // Systems whose ellipsoids have one name are taken to lie in one datum.
 void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) {
-    const auto sameSets = [](const System& one, const System& other) {
-        return one.status != 0 || other.status != 0 || one.has_datum_sets_of(other);
+    const auto isRead = [](const ReadSystem& system) { return system.failure.status == status::ok; };
+    const auto sameSets = [&isRead](const ReadSystem& one, const ReadSystem& other) {
+        return !isRead(one) || !isRead(other) || have_same_datum_sets(one.description, other.description);
     };
     for (std::size_t number = 0; number < systems.size(); ++number) {
         const Examined& one = systems[number];
-        const auto other =
-            std::find_if(systems.begin(), systems.begin() + static_cast<std::ptrdiff_t>(number),
-                         [&one](const Examined& earlier) {
-                             return earlier.source.status == 0 && one.source.status == 0 &&
-                                    earlier.source.ellipsoid() == one.source.ellipsoid();
-                         });
-        if (other == systems.begin() + static_cast<std::ptrdiff_t>(number)) {
+        const auto end = systems.begin() + static_cast<std::ptrdiff_t>(number);
+        const auto other = std::find_if(systems.begin(), end, [&](const Examined& earlier) {
+            return isRead(earlier.source) && isRead(one.source) &&
+                   earlier.source.ellipsoid == one.source.ellipsoid;
+        });
+        if (other == end) {
             continue;
         }
         const std::string both =
-            one.file + ": has the ellipsoid \"" + one.source.ellipsoid() + "\" as " + other->file;
-        if (!one.source.has_axes_of(other->source)) {
+            one.file + ": has the ellipsoid \"" + one.source.ellipsoid + "\" as " + other->file;
+        if (!have_same_axes(one.source.description, other->source.description)) {
             findings.defect("ellipsoids", both + ", but other semi-axes");
-        } else if (!one.source.in_bessel_datum() &&
+        } else if (!in_bessel_datum(one.source.description) &&
                    !(sameSets(one.source, other->source) && sameSets(one.target, other->target))) {
             findings.note("ellipsoids",
                           both +
@@ -197,19 +200,19 @@ void check_ellipsoids(const std::vector<Examined>& systems, Findings& findings) 
 }
 
 // Where points of a system are tried.
-Area area_of(const System& system) {
+Area area_of(const SystemDescription& system) {
     constexpr Places germanLatitudes = {47.0, 55.5, 18};
     const auto around = [](double middle, double reach, int count) {
         return Places{middle - reach, middle + reach, count};
     };
     const double origin = system.parameters[slot::longitudeOfOrigin];
-    if (system.is(ProjectionKind::soldner)) {
+    if (is(ProjectionKind::soldner, system)) {
         constexpr double furthest = 89.0;  // short of the poles
         constexpr double reach = 0.4375;
         const double latitude = system.parameters[slot::latitudeOfOrigin] / degree;
         return {around(std::clamp(latitude, -furthest, furthest), reach, 8), around(origin, reach, 8)};
     }
-    if (system.is(ProjectionKind::gaussKrueger) && !system.zones().hasStrips) {
+    if (is(ProjectionKind::gaussKrueger, system) && !zones_of(system).hasStrips) {
         return {germanLatitudes, around(origin, 1.375, 12)};
     }
     return {germanLatitudes, {5.7, 15.2, 20}};
@@ -223,12 +226,12 @@ std::string millimetre_text(double metres) {
 // Carries points through one system; returned: the last cells of its row.
 std::vector<std::string> check_closure(const Examined& system, Findings& findings) {
     constexpr double furthestLongitude = 85.0;  // none beyond 90 comes out of a datum transformation
-    const Area area = area_of(system.target);
+    const Area area = area_of(system.target.description);
     if (!(std::abs(area.longitude.middle()) < furthestLongitude)) {
         findings.note("places", system.file + ": its meridian lies beyond 85°: no points were tried");
         return {"-"};
     }
-    const Closures closures = closures_of({system.source, system.target}, area);
+    const Closures closures = closures_of({system.source.description, system.target.description}, area);
     for (const auto& [status, failure] : closures.failures) {
         findings.defect("closures", system.file + ": " + status_text(status, system.file) + " (" +
                                         plural(failure.count, "point") + " of its area, the first at " +
@@ -258,22 +261,22 @@ std::vector<std::string> check_closure(const Examined& system, Findings& finding
                                         " mm off; the two columns are not each other's inverse");
     }
     const Closure& shown = closures.bessel;
-    if (system.source.in_bessel_datum()) {
+    if (in_bessel_datum(system.source.description)) {
         return {"Bessel"};
     }
     return {millimetre_text(shown.largest), millimetre_text(shown.mean), std::to_string(shown.points)};
 }
 
-void check_systems(const DataDirectory& directory, Findings& findings) {
+void check_systems(const Directory& directory, Findings& findings) {
     std::vector<Examined> systems;
     std::vector<std::vector<std::string>> rows = {
         {"  code", "file", "source", "target", "largest closure, mm", "mean, mm", "points"}};
     for (const DefinitionEntry& entry : directory.entries()) {
-        systems.push_back({directory.file_name(entry), read_system(directory, entry, Column::intoBessel),
-                           read_system(directory, entry, Column::outOfBessel)});
+        systems.push_back({directory.file_name(entry), directory.system(entry, Column::intoBessel),
+                           directory.system(entry, Column::outOfBessel)});
         const Examined& system = systems.back();
-        const int source = system.source.status;
-        const int target = system.target.status;
+        const Status source = system.source.failure.status;
+        const Status target = system.target.failure.status;
         const bool sourceOnly = is_source_only(system.source, system.target);
         std::vector<std::string> row = {"  " + std::to_string(entry.code), system.file,
                                         std::to_string(source), sourceOnly ? "-" : std::to_string(target)};
@@ -344,8 +347,22 @@ Rows grid_rows(const HeldModel& model, const GridSummary& summary) {
     return rows;
 }
 
+// The bytes of an open file. Returned: whether it could be read to its end.
+bool read_stored(DataFile& file, std::string& bytes) {
+    constexpr std::size_t block = std::size_t{1} << 20;
+    for (;;) {
+        const std::size_t had = bytes.size();
+        bytes.resize(had + block);
+        const std::ptrdiff_t count = file.read_stored(bytes.data() + had, block);
+        bytes.resize(had + static_cast<std::size_t>(std::max<std::ptrdiff_t>(count, 0)));
+        if (count <= 0) {
+            return count == 0;
+        }
+    }
+}
+
 // The path of the map is empty where none is wanted.
-void check_height_model(const DataDirectory& directory, const std::string& map, Findings& findings) {
+void check_height_model(const Directory& directory, const std::string& map, Findings& findings) {
     const std::string name(heightModelFileName);
     put("\nHeight model\n");
     const auto noMap = [&map, &findings](const std::string& reason) {
@@ -353,8 +370,8 @@ void check_height_model(const DataDirectory& directory, const std::string& map, 
             findings.defect("map", map + ": not written: " + reason);
         }
     };
-    LineReader lines;
-    if (!lines.open(directory.bytes, heightModelFileName)) {
+    DataFile file;
+    if (!file.open(directory.path(), heightModelFileName, PathText::utf8)) {
         std::error_code none;
         if (std::filesystem::exists(file_path(directory.path_of(name)), none)) {
             findings.defect("file", name + ": is no regular file, or cannot be opened");
@@ -366,6 +383,9 @@ void check_height_model(const DataDirectory& directory, const std::string& map, 
         }
         return;
     }
+    std::string bytes;
+    const bool complete = read_stored(file, bytes);
+    LineReader lines(bytes, !complete);
     const HeldModel model = read_height_model(lines, findings);
     if (lines.failed()) {
         noMap("the height model cannot be read");
@@ -378,7 +398,8 @@ void check_height_model(const DataDirectory& directory, const std::string& map, 
     const GridSummary summary = summary_of(model);
     Rows rows = grid_rows(model, summary);
     if (model.wholeGrid) {
-        const LibraryAnswers answers = ask_library(directory.bytes, model, findings);
+        const LibraryAnswers answers =
+            ask_library(HeldHeightModel(HeldHeightModel::Bytes{bytes}), model, findings);
         rows.push_back({"  library", plural(answers.asked, "cell") + " asked for, " +
                                          std::to_string(answers.withValue) + " with a height anomaly"});
     }
@@ -398,21 +419,22 @@ void check_height_model(const DataDirectory& directory, const std::string& map, 
 }
 
 int check_directory(const std::string& name, const std::string& map) {
-    DataDirectory directory;
-    if (!open_directory(name, directory)) {
-        if (directory.status != status::ok) {
-            explain_definition(directory);
+    std::optional<Directory> opened;
+    if (!open_directory(name, opened)) {
+        if (opened) {
+            explain_definition(*opened);
         }
         return nothingDone;
     }
+    const Directory& directory = *opened;
     std::size_t defects = 0;
     const auto closeSection = [&defects](const Findings& findings) {
         findings.print();
         defects += findings.defects();
     };
     put("Definition file\n  " + plural(directory.entries().size(), "system") + ", parameter files " +
-        (directory.definition.scrambled ? "scrambled" : "plain") + " (" +
-        std::string(directory.definition.scrambled ? scrambledExtension : plainExtension) + ")" + '\n');
+        (directory.definition().scrambled ? "scrambled" : "plain") + " (" +
+        std::string(directory.definition().scrambled ? scrambledExtension : plainExtension) + ")" + '\n');
     Findings inDefinition;
     check_definition(directory, inDefinition);
     closeSection(inDefinition);

@@ -82,13 +82,14 @@ struct Imported {
 };
 
 Imported imported(const ImportOptions& options) {
-    DataDirectory directory;
+    std::optional<Directory> opened;
     if (!options.hubCode.empty() && options.directory.empty()) {
         throw Refused("--hub " + options.hubCode + ": the directory -d that lists it is missing");
     }
-    if (!options.directory.empty() && !open_directory(options.directory, directory)) {
+    if (!options.directory.empty() && !open_directory(options.directory, opened)) {
         throw Refused("-d " + options.directory + ": cannot be used");
     }
+    const Directory* const directory = opened ? &*opened : nullptr;
     ParameterText content;
     const std::optional<int> code = integer_of(options.code);
     if (!code) {

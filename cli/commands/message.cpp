@@ -2,15 +2,15 @@
 #include <memory>
 #include <string>
 
+#include "bulk/texts.h"
 #include "commands/commands.h"
-#include "keeper/data_directory.h"
 #include "system/output.h"
 
 namespace cli {
 namespace {
 
 int show_message(int status, const std::string& fileName) {
-    const std::string text = message(status, fileName);
+    const std::string text = lagestatus::message_text(status, fileName);
     if (text.empty()) {
         complain("there is no message for status " + std::to_string(status));
         return someFailed;

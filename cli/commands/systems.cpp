@@ -5,9 +5,11 @@
 #include <cstddef>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "bulk/texts.h"
 #include "commands/commands.h"
 #include "geodesy/datum_step.h"
 #include "keeper/data_directory.h"
@@ -74,22 +76,20 @@ std::string key_of(const SlotText& slot) {
 struct Named {
     const DefinitionEntry& entry;
     std::string file;
-    System source;
-    System target;
+    const ReadSystem& source;
+    const ReadSystem& target;
     bool sourceOnly;
     Status status;
 };
 
-Named read_entry(const DataDirectory& directory, const DefinitionEntry& entry) {
-    Named named = {entry,
-                   directory.file_name(entry),
-                   read_system(directory, entry, Column::intoBessel),
-                   read_system(directory, entry, Column::outOfBessel),
-                   false,
-                   status::ok};
-    named.sourceOnly = is_source_only(named.source, named.target);
-    named.status = named.source.status != 0 || named.sourceOnly ? named.source.status : named.target.status;
-    return named;
+Named read_entry(const Directory& directory, const DefinitionEntry& entry) {
+    const ReadSystem& source = directory.system(entry, Column::intoBessel);
+    const ReadSystem& target = directory.system(entry, Column::outOfBessel);
+    const bool sourceOnly = is_source_only(source, target);
+    const Status ofSource = source.failure.status;
+    return {entry,      directory.file_name(entry),
+            source,     target,
+            sourceOnly, ofSource != status::ok || sourceOnly ? ofSource : target.failure.status};
 }
 
 // Of a target whose second column is missing.
@@ -106,11 +106,11 @@ Json json_of(const Named& named) {
                  {"file", named.file},
                  {"status", named.status}};
     if (named.status != 0) {
-        json["message"] = message(named.status, named.file);
+        json["message"] = message_text(named.status, named.file);
     } else {
-        json["name"] = named.source.name();
-        json["kind"] = named.source.kind_text();
-        json["ellipsoid"] = named.source.ellipsoid();
+        json["name"] = named.source.name;
+        json["kind"] = named.source.kind;
+        json["ellipsoid"] = named.source.ellipsoid;
         json["source_only"] = named.sourceOnly;
     }
     return json;
@@ -122,22 +122,22 @@ void put_json(const Json& json) {
 }
 
 int list_systems(const std::string& name, bool asJson) {
-    DataDirectory directory;
+    std::optional<Directory> directory;
     if (!open_directory(name, directory)) {
         return nothingDone;
     }
     int exitStatus = allGood;
     Json json = Json::array();
     std::vector<std::vector<std::string>> rows = {{"code", "aux", "file", "kind", "ellipsoid", "name"}};
-    for (const DefinitionEntry& entry : directory.entries()) {
-        const Named named = read_entry(directory, entry);
+    for (const DefinitionEntry& entry : directory->entries()) {
+        const Named named = read_entry(*directory, entry);
         std::vector<std::string> row = {std::to_string(entry.code), auxiliary_text(entry), named.file};
         if (named.status != 0) {
             exitStatus = someFailed;
             row.insert(row.end(), {"*", "*", status_text(named.status, named.file)});
         } else {
-            row.insert(row.end(), {named.source.kind_text(), named.source.ellipsoid(),
-                                   named.source.name() +
+            row.insert(row.end(), {named.source.kind, named.source.ellipsoid,
+                                   named.source.name +
                                        (named.sourceOnly ? " (source only: " + sourceOnlyText + ")" : "")});
         }
         rows.push_back(row);
@@ -152,8 +152,8 @@ int list_systems(const std::string& name, bool asJson) {
 }
 
 // What the longitude of origin says, in the words of surveyors.
-std::string zone_layout(const System& system) {
-    const ZoneLayout layout = system.zones();
+std::string zone_layout(const SystemDescription& system) {
+    const ZoneLayout layout = zones_of(system);
     const double value = system.parameters[slot::longitudeOfOrigin];
     if (!layout.hasStrips) {
         const std::string prefix =
@@ -167,34 +167,34 @@ std::string zone_layout(const System& system) {
 }
 
 // Of its step into the Bessel datum, or out of it.
-int stages_of(const System& system) {
-    return system.in_bessel_datum() ? 0 : has_intermediate_set(system.parameters) ? 2 : 1;
+int stages_of(const SystemDescription& system) {
+    return in_bessel_datum(system) ? 0 : has_intermediate_set(system.parameters) ? 2 : 1;
 }
 
-std::string stages_text(const System& system) {
+std::string stages_text(const SystemDescription& system) {
     constexpr std::array<const char*, 3> texts = {"none: lies in the Bessel datum", "one stage",
                                                   "two stages"};
     return texts.at(static_cast<std::size_t>(stages_of(system)));
 }
 
 int show_system(const std::string& name, int code, bool asJson) {
-    DataDirectory directory;
+    std::optional<Directory> directory;
     const DefinitionEntry* const entry =
-        open_directory(name, directory) ? find_entry(directory, code) : nullptr;
+        open_directory(name, directory) ? find_entry(*directory, code) : nullptr;
     if (entry == nullptr) {
         return nothingDone;
     }
-    const Named named = read_entry(directory, *entry);
+    const Named named = read_entry(*directory, *entry);
     if (named.status != 0) {
-        complain(status_text(named.status, directory.path_of(named.file)));
+        complain(status_text(named.status, named.source.file));
         return nothingDone;
     }
-    const System& source = named.source;
-    const System& target = named.target;
+    const SystemDescription& source = named.source.description;
+    const SystemDescription& target = named.target.description;
     if (asJson) {
         Json json = json_of(named);
         json["zone_number"] = source.zoneNumber;
-        if (source.kind().hasStrips) {
+        if (kind_of(source).hasStrips) {
             json["zone_layout"] = zone_layout(source);
         }
         json["stages_into_bessel"] = stages_of(source);
@@ -213,9 +213,9 @@ int show_system(const std::string& name, int code, bool asJson) {
     }
     std::vector<std::vector<std::string>> head = {
         {"code", std::to_string(code)}, {"auxiliary", auxiliary_text(named.entry)},
-        {"file", named.file},           {"name", source.name()},
-        {"kind", source.kind_text()},   {"ellipsoid", source.ellipsoid()}};
-    if (source.kind().hasStrips) {
+        {"file", named.file},           {"name", named.source.name},
+        {"kind", named.source.kind},    {"ellipsoid", named.source.ellipsoid}};
+    if (kind_of(source).hasStrips) {
         head.push_back({"zones", zone_layout(source)});
     }
     head.push_back({"zone number", std::to_string(source.zoneNumber)});

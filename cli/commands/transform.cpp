@@ -50,14 +50,14 @@ constexpr std::size_t mostJobs = 256;
 constexpr int mostSecondDecimals = 10;
 
 // How files are made, as far as the options say. Throws std::invalid_argument for options that contradict each other.
-FileForm file_form(const TransformOptions& options, const System& source) {
+FileForm file_form(const TransformOptions& options, const SystemDescription& source) {
     FileForm file = {{}, !options.delimiter.empty(), options.header, options.label};
     LineForm& form = file.lines;
     if (file.delimiterKnown) {
         form.delimiter = options.delimiter.front();
     }
     form.decimalComma = options.decimalComma;
-    form.angles = source.is(ProjectionKind::geographic);
+    form.angles = is(ProjectionKind::geographic, source);
     if (form.decimalComma && form.delimiter == ',') {
         throw std::invalid_argument("--decimal-comma: the delimiter cannot be a comma as well");
     }
@@ -81,7 +81,7 @@ FileForm file_form(const TransformOptions& options, const System& source) {
             form.columns.push_back(column - 1);
         }
     }
-    const bool geocentric = source.is(ProjectionKind::geocentric);
+    const bool geocentric = is(ProjectionKind::geocentric, source);
     form.looksForHeight = options.columns.empty() && !geocentric;
     if (geocentric && form.columns.size() < 3) {
         throw std::invalid_argument("--columns: a geocentric point has three columns");
@@ -92,7 +92,8 @@ FileForm file_form(const TransformOptions& options, const System& source) {
     return file;
 }
 
-RunOptions run_options(const TransformOptions& options, const System& source, const System& target) {
+RunOptions run_options(const TransformOptions& options, const SystemDescription& source,
+                       const SystemDescription& target) {
     RunOptions run;
     run.normalGiven = options.height == "n" || options.height == "N";
     run.normalWanted = options.heights;
@@ -105,9 +106,10 @@ RunOptions run_options(const TransformOptions& options, const System& source, co
     run.degreeDecimals = options.precision.size() > 1 ? options.precision[1]
                          : options.withSeconds        ? std::min(run.metreDecimals + 1, mostSecondDecimals)
                                                       : run.metreDecimals + 5;
-    const bool eastingFirstIn = (options.swap || options.swapInput) && !source.is(ProjectionKind::geocentric);
+    const bool eastingFirstIn =
+        (options.swap || options.swapInput) && !is(ProjectionKind::geocentric, source);
     const bool eastingFirstOut =
-        (options.swap || options.swapOutput) && !target.is(ProjectionKind::geocentric);
+        (options.swap || options.swapOutput) && !is(ProjectionKind::geocentric, target);
     run.exchanged = eastingFirstIn != eastingFirstOut;
     return run;
 }
@@ -151,13 +153,12 @@ std::uint64_t total_size(const std::vector<Input>& inputs) {
     return total;
 }
 
-std::size_t block_size(std::size_t jobs, bool withHeights) {
+std::size_t block_size(std::size_t jobs) {
     constexpr std::size_t smallest = std::size_t{1} << 12;
     constexpr std::size_t largest = std::size_t{1} << 17;
     // All pieces together, their input; their output takes up to forty times as much, if every line fails.
     constexpr std::size_t together = std::size_t{1} << 20;
-    // A point with a height costs as much as hundreds without: a piece then is a hundred points or so.
-    return withHeights ? smallest : std::clamp(together / (jobs + 2), smallest, largest);
+    return std::clamp(together / (jobs + 2), smallest, largest);
 }
 
 // Takes the pieces in their order: writes their rows, counts, and says what is to be said.
@@ -212,20 +213,21 @@ class Outcome {
 };
 
 int transform_points(const TransformOptions& options) {
-    DataDirectory directory;
-    System source;
-    System target;
-    if (!open_directory(options.directory, directory) ||
-        !open_system(directory, options.from, Column::intoBessel, source) ||
-        !open_system(directory, options.to, Column::outOfBessel, target)) {
+    std::optional<Directory> directory;
+    if (!open_directory(options.directory, directory)) {
         return nothingDone;
     }
-    const FileForm form = file_form(options, source);
-    const RunOptions run = run_options(options, source, target);
+    const ReadSystem* const source = open_system(*directory, options.from, Column::intoBessel);
+    const ReadSystem* const target =
+        source == nullptr ? nullptr : open_system(*directory, options.to, Column::outOfBessel);
+    if (target == nullptr) {
+        return nothingDone;
+    }
+    const FileForm form = file_form(options, source->description);
+    const RunOptions run = run_options(options, source->description, target->description);
     std::vector<Input> inputs = open_inputs(options.files);
 
-    const PointWriter writer(run, directory, source, target,
-                             directory.file_name(*directory.definition.find(options.to)));
+    const PointWriter writer(run, *directory, *source, *target);
     OutputFile output = options.output.empty() ? OutputFile() : OutputFile(options.output);
     const bool besideTheRows = options.output.empty() && is_terminal(standardOutput);
     Progress progress(!options.quiet && !besideTheRows && is_terminal(standardError), total_size(inputs));
@@ -245,7 +247,7 @@ int transform_points(const TransformOptions& options) {
                 writer.lines(piece.lines, piece.form, piece.firstLine, piece.written);
             },
             [&outcome](Piece& piece) { outcome.take(piece); });
-        PieceReader reader(form, writer, block_size(jobs, run.normalGiven || run.normalWanted), work);
+        PieceReader reader(form, writer, block_size(jobs), work);
         for (Input& input : inputs) {
             try {
                 InputFile file = input.file ? std::move(*input.file) : open_input(input.name);

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "bulk/directory.h"
 #include "help/description.h"
-#include "keeper/data_directory.h"
 #include "system/output.h"
 #include "system/platform.h"
 
@@ -18,12 +18,10 @@ void offer(const std::string& word, const std::string& description) {
 // The systems of a data directory and their names; none if it cannot be read.
 std::vector<std::pair<std::string, std::string>> codes_of(const std::string& name) {
     std::vector<std::pair<std::string, std::string>> codes;
-    DataDirectory directory;
-    directory.bytes = directory_bytes(name).value_or(name);
-    (void)read_definition_file(directory.bytes, directory.definition);
-    for (const DefinitionEntry& entry : directory.entries()) {
+    const lagestatus::Directory directory(name);
+    for (const lagestatus::DefinitionEntry& entry : directory.entries()) {
         codes.emplace_back(std::to_string(entry.code),
-                           read_system(directory, entry, Column::intoBessel).name());
+                           directory.system(entry, lagestatus::Column::intoBessel).name);
     }
     return codes;
 }

@@ -25,15 +25,16 @@ void add_distance(Closure& closure, double metres) {
 // those within d / 2 of zero can.
 class Writable {
   public:
-    Writable(const System& geographic, System target) : half(target.parameters[slot::decadicComplement] / 2) {
-        if (!(half > 0.0) || !target.kind().isPlane) {
+    Writable(const SystemDescription& geographic, SystemDescription target)
+        : half(target.parameters[slot::decadicComplement] / 2) {
+        if (!(half > 0.0) || !kind_of(target).isPlane) {
             return;
         }
         for (const std::size_t slot : {slot::decadicComplement, slot::additiveY, slot::additiveX}) {
             target.parameters.at(slot) = 0.0;
         }
         target.parameters[slot::planeScale] = 1.0;
-        road.emplace("", geographic, target);
+        road.emplace(geographic, target, nullptr);
     }
 
     [[nodiscard]] bool operator()(const Point& place) const {
@@ -51,8 +52,8 @@ class Writable {
 
 }  // namespace
 
-System neutral_system(ProjectionKind kind, std::string_view ellipsoidName, const Ellipsoid& axes) {
-    System system;
+SystemDescription neutral_system(ProjectionKind kind, std::string_view ellipsoidName, const Ellipsoid& axes) {
+    SystemDescription system;
     system.projectionKind.assign(kind_name(kind));
     system.ellipsoidName.assign(ellipsoidName);
     for (const std::size_t scale :
@@ -64,21 +65,21 @@ System neutral_system(ProjectionKind kind, std::string_view ellipsoidName, const
     return system;
 }
 
-System of_kind(System system, ProjectionKind kind) {
+SystemDescription of_kind(SystemDescription system, ProjectionKind kind) {
     system.projectionKind.assign(kind_name(kind));
     return system;
 }
 
 Point carried(const Road& road, const Point& point) {
-    const auto [status, result] = road.transform(point, {});
-    if (status != status::ok) {
-        throw NotCarried(status);
+    const CarriedPoint carried = road.carry(point, {.alsoUnasked = false});
+    if (carried.status != status::ok) {
+        throw NotCarried(carried.status);
     }
-    return {result[0], result[1], result[2]};
+    return {carried.at[0], carried.at[1], carried.at[2]};
 }
 
-Point carried(const Point& point, const System& source, const System& target) {
-    return carried(Road("", source, target), point);
+Point carried(const Point& point, const SystemDescription& source, const SystemDescription& target) {
+    return carried(Road(source, target, nullptr), point);
 }
 
 std::string place_text(double latitude, double longitude) {
@@ -87,19 +88,19 @@ std::string place_text(double latitude, double longitude) {
 
 Closures closures_of(const BothRoles& system, const Area& area) {
     constexpr double height = 100.0;
-    const System bessel =
+    const SystemDescription bessel =
         neutral_system(ProjectionKind::geocentric, "Bessel", {6377397.155, 6356078.962818189});
     // Between equal names no datum step is made, whichever the system has.
     BothRoles own = system;
     own.source.ellipsoidName.assign("own");
     own.target.ellipsoidName.assign("own");
-    const System geographic = of_kind(own.source, ProjectionKind::geographic);
-    const System geocentric = of_kind(own.target, ProjectionKind::geocentric);
-    const Road start("", geographic, geocentric);
-    const Road there("", geographic, own.target);
-    const Road back("", own.source, geocentric);
-    const Road intoBessel("", system.source, bessel);
-    const Road outOfBessel("", bessel, system.target);
+    const SystemDescription geographic = of_kind(own.source, ProjectionKind::geographic);
+    const SystemDescription geocentric = of_kind(own.target, ProjectionKind::geocentric);
+    const Road start(geographic, geocentric, nullptr);
+    const Road there(geographic, own.target, nullptr);
+    const Road back(own.source, geocentric, nullptr);
+    const Road intoBessel(system.source, bessel, nullptr);
+    const Road outOfBessel(bessel, system.target, nullptr);
     const Writable writable(geographic, own.target);
 
     Closures closures;
@@ -111,7 +112,7 @@ Closures closures_of(const BothRoles& system, const Area& area) {
         const Point point = carried(there, place);
         const Point returned = carried(back, point);
         add_distance(closures.own, distance(carried(start, place), returned));
-        if (!system.source.in_bessel_datum()) {
+        if (!in_bessel_datum(system.source)) {
             const Point again = carried(back, carried(outOfBessel, carried(intoBessel, point)));
             add_distance(closures.bessel, distance(returned, again));
         }

@@ -6,21 +6,22 @@
 #include <stdexcept>
 #include <string>
 
+#include "bulk/road.h"
 #include "keeper/data_directory.h"
 
 namespace cli {
 
 // A system's description in both roles.
 struct BothRoles {
-    System source;
-    System target;
+    SystemDescription source;
+    SystemDescription target;
 };
 
 // A system that has no more than an ellipsoid.
-System neutral_system(ProjectionKind kind, std::string_view ellipsoidName, const Ellipsoid& axes);
+SystemDescription neutral_system(ProjectionKind kind, std::string_view ellipsoidName, const Ellipsoid& axes);
 
 // A system of another kind in the same datum.
-System of_kind(System system, ProjectionKind kind);
+SystemDescription of_kind(SystemDescription system, ProjectionKind kind);
 
 // A point that the library refuses.
 class NotCarried : public std::runtime_error {
@@ -34,7 +35,7 @@ class NotCarried : public std::runtime_error {
 
 // Throws NotCarried.
 Point carried(const Road& road, const Point& point);
-Point carried(const Point& point, const System& source, const System& target);
+Point carried(const Point& point, const SystemDescription& source, const SystemDescription& target);
 
 // Places at equal distances, in degrees.
 struct Places {

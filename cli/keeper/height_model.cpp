@@ -11,7 +11,6 @@
 
 #include "base/angles.h"
 #include "datafiles/field_scanner.h"
-#include "heights/height_anomaly.h"
 #include "keeper/data_directory.h"
 #include "system/text.h"
 
@@ -362,7 +361,7 @@ std::optional<std::array<double, 2>> on_bessel(const std::array<double, 2>& plac
 
 }  // namespace
 
-LibraryAnswers ask_library(const std::string& directoryBytes, const HeldModel& model, Findings& findings) {
+LibraryAnswers ask_library(const HeightAnomalies& library, const HeldModel& model, Findings& findings) {
     constexpr int steps = 4;
     LibraryAnswers answers;
     const std::int64_t columns = model.longitude.count;
@@ -395,8 +394,7 @@ LibraryAnswers ask_library(const std::string& directoryBytes, const HeldModel& m
             const Status expected = expected_status(model, columns * row + column);
             answers.withValue += expected == status::ok ? 1 : 0;
             double zeta = 0.0;
-            const Status found =
-                StreamedHeightModel(directoryBytes).at((*point)[1] * degree, (*point)[0] * degree, zeta);
+            const Status found = library.at((*point)[1] * degree, (*point)[0] * degree, zeta);
             const Status answered = found == status::ok ? found : status::heightModel + found;
             if (answered != expected) {
                 findings.defect("library",

@@ -1,4 +1,4 @@
-// The height model hoehe.ini as a whole: the library reads four values of it at a time.
+// The height model hoehe.ini as a whole: the library looks up four values of it at a time.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "datafiles/line_reader.h"
+#include "heights/height_anomaly.h"
 #include "heights/height_model_file.h"
 #include "keeper/findings.h"
 
@@ -55,6 +56,7 @@ struct LibraryAnswers {
     std::size_t asked = 0;
     std::size_t withValue = 0;
 };
-LibraryAnswers ask_library(const std::string& directoryBytes, const HeldModel& model, Findings& findings);
+LibraryAnswers ask_library(const lagestatus::HeightAnomalies& library, const HeldModel& model,
+                           Findings& findings);
 
 }  // namespace cli

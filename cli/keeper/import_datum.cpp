@@ -92,16 +92,17 @@ Published published_set(const SetOptions& given, const std::string& way) {
 }
 
 // The step from the Bessel datum to WGS84/ETRS89, as a system of a directory has it.
-Published hub_of_directory(const ImportOptions& options, const DataDirectory& directory) {
+Published hub_of_directory(const ImportOptions& options, const Directory& directory) {
     const std::optional<int> code = integer_of(options.hubCode);
     if (!code) {
         throw Refused("--hub " + options.hubCode + ": is no whole number");
     }
-    System hub;
-    if (!open_system(directory, *code, Column::outOfBessel, hub)) {
+    const ReadSystem* const read = open_system(directory, *code, Column::outOfBessel);
+    if (read == nullptr) {
         throw Refused("--hub " + options.hubCode + ": cannot be used");
     }
-    if (hub.in_bessel_datum()) {
+    const SystemDescription& hub = read->description;
+    if (in_bessel_datum(hub)) {
         throw Refused("--hub " + options.hubCode +
                       ": lies in the Bessel datum itself and has no step out of it");
     }
@@ -124,7 +125,7 @@ void check_intermediate(const char* option, const Similarity& set) {
 
 }  // namespace
 
-void set_datum(ParameterText& content, const ImportOptions& options, const DataDirectory& directory) {
+void set_datum(ParameterText& content, const ImportOptions& options, const Directory* directory) {
     const bool ownHub = !options.hubSet.empty();
     if (lies_in_bessel_datum(content.ellipsoid)) {
         if (!options.set.empty() || ownHub || !options.hubCode.empty()) {
@@ -166,7 +167,7 @@ void set_datum(ParameterText& content, const ImportOptions& options, const DataD
                               ? published_set({"--hub-towgs84", "--hub-convention", "--hub-reduction",
                                                options.hubSet, options.hubConvention, options.hubReduction},
                                               "Vom Besseldatum nach WGS84/ETRS89")
-                              : hub_of_directory(options, directory);
+                              : hub_of_directory(options, *directory);
     check_intermediate("--towgs84", system.set);
     check_intermediate(ownHub ? "--hub-towgs84" : "--hub", hub.set);
     content.intoBessel = {system.set, hub.set};

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/angles.h"
+#include "bulk/texts.h"
 #include "geodesy/zones.h"
 #include "keeper/import_steps.h"
 #include "system/output.h"
@@ -69,7 +70,7 @@ double gap_of_small_angles(const Similarity& set, const Point& from, const Point
 }
 
 // East, north and up in metres between two positions of a geographic system that lie close together.
-Point metres_between(const Point& from, const Point& to, const System& system) {
+Point metres_between(const Point& from, const Point& to, const SystemDescription& system) {
     const double latitude = from[0] * degree;
     const double a = system.parameters[slot::semiMajorAxis];
     const double ratio = system.parameters[slot::semiMinorAxis] / a;
@@ -85,8 +86,8 @@ Point metres_between(const Point& from, const Point& to, const System& system) {
 // Throws where a Gauss-Krueger easting of the area has another number in its millions than its strip's.
 void check_eastings(const BothRoles& system, const Area& area) {
     constexpr double edge = 1e-6;  // degrees: at a strip's edge either neighbour will do
-    const ZoneLayout layout = system.source.zones();
-    const Road road("", of_kind(system.source, ProjectionKind::geographic), system.target);
+    const ZoneLayout layout = zones_of(system.source);
+    const Road road(of_kind(system.source, ProjectionKind::geographic), system.target, nullptr);
     for_each_place(area, [&](double latitude, double longitude) {
         const std::string where = "at " + place_text(latitude, longitude) + ": ";
         double easting = 0.0;
@@ -111,8 +112,8 @@ void check_eastings(const BothRoles& system, const Area& area) {
 // One point, with and without the datum step, so that a wrong sign is seen.
 std::string report_of_point(const BothRoles& system, const ImportOptions& options,
                             const DatumSets& intoBessel, const Area& area) {
-    const System ownSource = of_kind(system.source, ProjectionKind::geographic);
-    const System ownTarget = of_kind(system.target, ProjectionKind::geographic);
+    const SystemDescription ownSource = of_kind(system.source, ProjectionKind::geographic);
+    const SystemDescription ownTarget = of_kind(system.target, ProjectionKind::geographic);
     Point point = {};
     if (options.point.empty()) {
         point = carried({area.latitude.middle(), area.longitude.middle(), 0.0}, ownSource, system.target);
@@ -125,13 +126,13 @@ std::string report_of_point(const BothRoles& system, const ImportOptions& option
     }
     const Point before = carried(point, system.source, ownTarget);
     std::string report =
-        "point: " + point_text(point, system.source.is(ProjectionKind::geographic)) +
+        "point: " + point_text(point, is(ProjectionKind::geographic, system.source)) +
         "\n  latitude, longitude, height in the system's datum: " + point_text(before, true) + '\n';
-    if (system.source.in_bessel_datum()) {
+    if (in_bessel_datum(system.source)) {
         return report;
     }
     // GRS 1980, EPSG:7019. The ellipsoid's name differs from every name that a file can have.
-    System common = neutral_system(ProjectionKind::geographic, "", {6378137.0, 6356752.314140356});
+    SystemDescription common = neutral_system(ProjectionKind::geographic, "", {6378137.0, 6356752.314140356});
     set_main_set(common, intoBessel.intermediate);
     const Point after = carried(point, system.source, common);
     const Point shift = metres_between(before, after, common);
@@ -158,7 +159,7 @@ std::string report_of(const BothRoles& system, const ParameterText& content, con
     constexpr double largestAllowed = 1.0;  // millimetre
     constexpr double millimetres = 1000.0;
     constexpr int decimals = 4;
-    if (system.source.kind().hasStrips) {
+    if (kind_of(system.source).hasStrips) {
         check_eastings(system, area);
     }
     const Closures closures = closures_of(system, area);
@@ -166,7 +167,7 @@ std::string report_of(const BothRoles& system, const ParameterText& content, con
         const auto& [status, failure] = *closures.failures.begin();
         throw Refused("at " + failure.firstPlace + ": " + status_text(status, ""));
     }
-    const Closure& closure = system.source.in_bessel_datum() ? closures.own : closures.bessel;
+    const Closure& closure = in_bessel_datum(system.source) ? closures.own : closures.bessel;
     const double largest = std::max(closures.own.largest, closure.largest) * millimetres;
     const std::string sizes = "largest " + fixed_text(largest, decimals) + " mm, mean " +
                               fixed_text(closure.mean * millimetres, decimals) + " mm";
@@ -179,22 +180,28 @@ std::string report_of(const BothRoles& system, const ParameterText& content, con
            report_of_point(system, options, content.intoBessel, area);
 }
 
-void note_equal_names(const BothRoles& system, int code, const DataDirectory& directory) {
-    const auto differ = [](const System& one, const System& other) {
-        return !one.has_axes_of(other) || (!one.in_bessel_datum() && !one.has_datum_sets_of(other));
+void note_equal_names(const BothRoles& system, int code, const Directory* directory) {
+    if (directory == nullptr) {
+        return;
+    }
+    const auto differ = [](const SystemDescription& one, const SystemDescription& other) {
+        return !have_same_axes(one, other) || (!in_bessel_datum(one) && !have_same_datum_sets(one, other));
     };
+    const std::string_view ellipsoid = system.source.ellipsoidName.view();
     std::string codes;
-    for (const DefinitionEntry& entry : directory.entries()) {
-        const System source = read_system(directory, entry, Column::intoBessel);
-        const System target = read_system(directory, entry, Column::outOfBessel);
-        if (entry.code != code && source.status == 0 && source.ellipsoid() == system.source.ellipsoid() &&
-            (differ(source, system.source) || (target.status == 0 && differ(target, system.target)))) {
+    for (const DefinitionEntry& entry : directory->entries()) {
+        const ReadSystem& source = directory->system(entry, Column::intoBessel);
+        const ReadSystem& target = directory->system(entry, Column::outOfBessel);
+        if (entry.code != code && source.failure.status == status::ok &&
+            source.description.ellipsoidName.view() == ellipsoid &&
+            (differ(source.description, system.source) ||
+             (target.failure.status == status::ok && differ(target.description, system.target)))) {
             codes += (codes.empty() ? "" : ", ") + std::to_string(entry.code);
         }
     }
     if (!codes.empty()) {
         complain("note: no datum step will be made between this system and " + codes + " in " +
-                 directory.name + ": the ellipsoid name is " + system.source.ellipsoid() +
+                 directory->path() + ": the ellipsoid name is " + utf8_of(ellipsoid) +
                  " there too, which counts as the same datum, but the parameters differ");
     }
 }

@@ -52,12 +52,12 @@ void refuse_given(std::initializer_list<Given> several, const std::string& why);
 
 void set_ellipsoid(ParameterText& content, const ImportOptions& options);
 void set_projection(ParameterText& content, const ImportOptions& options);
-void set_datum(ParameterText& content, const ImportOptions& options, const DataDirectory& directory);
+void set_datum(ParameterText& content, const ImportOptions& options, const Directory* directory);
 
 // Points there and back, and one point with and without the datum step.
 std::string report_of(const BothRoles& system, const ParameterText& content, const ImportOptions& options);
 
 // Says on stderr which other systems of the directory count as lying in the same datum though they do not.
-void note_equal_names(const BothRoles& system, int code, const DataDirectory& directory);
+void note_equal_names(const BothRoles& system, int code, const Directory* directory);
 
 }  // namespace cli

@@ -85,7 +85,7 @@ bool Similarity::is_seen_as_intermediate() const {
     return translation != none || rotation != none;
 }
 
-Similarity main_set_of(const System& system) {
+Similarity main_set_of(const SystemDescription& system) {
     const auto value = [&system](std::size_t at) { return system.parameters.at(datumSlots.at(at)); };
     return {{value(0), value(1), value(2)},
             {value(3), value(4), value(5)},
@@ -93,7 +93,7 @@ Similarity main_set_of(const System& system) {
             {value(7), value(8), value(9)}};
 }
 
-void set_main_set(System& system, const Similarity& set) {
+void set_main_set(SystemDescription& system, const Similarity& set) {
     put_set(set, 0, system.parameters);
 }
 
@@ -142,11 +142,11 @@ std::string text_of(const ParameterText& content) {
     return text;
 }
 
-System system_of(const std::string& text, int code, Column column) {
+SystemDescription system_of(const std::string& text, int code, Column column) {
     const std::string bytes = latin1(text).value();
     LineReader lines(bytes);
-    System system;
-    system.status = read_parameters(lines, column, code, system);
+    SystemDescription system;
+    (void)read_parameters(lines, column, code, system);
     return system;
 }
 

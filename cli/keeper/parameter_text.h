@@ -25,8 +25,8 @@ struct Similarity {
 };
 
 // The set of the first stage in a system's parameters.
-Similarity main_set_of(const System& system);
-void set_main_set(System& system, const Similarity& set);
+Similarity main_set_of(const SystemDescription& system);
+void set_main_set(SystemDescription& system, const Similarity& set);
 
 // One column: the main set leads to where the intermediate set leads from the end of the way; that is undone.
 struct DatumSets {
@@ -60,6 +60,6 @@ struct ParameterText {
 std::string text_of(const ParameterText& content);
 
 // What the library reads from such a text.
-System system_of(const std::string& text, int code, Column column);
+SystemDescription system_of(const std::string& text, int code, Column column);
 
 }  // namespace cli

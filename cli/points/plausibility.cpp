@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "base/angles.h"
-#include "base/system_description.h"
 #include "geodesy/plane_reductions.h"
+#include "keeper/data_directory.h"
 #include "system/text.h"
 
 namespace cli {
@@ -27,18 +27,19 @@ bool within_circle(const std::array<double, 3>& point) {
 
 }  // namespace
 
-Plausibility::Plausibility(const System& source) : zones(source.zones()), zoneNumber(source.zoneNumber) {
+Plausibility::Plausibility(const SystemDescription& source)
+    : zones(zones_of(source)), zoneNumber(source.zoneNumber) {
     const auto& p = source.parameters;
     constantX = p[slot::additiveX];
     constantY = p[slot::additiveY];
     originLatitude = p[slot::latitudeOfOrigin];
-    if (source.is(ProjectionKind::geographic)) {
+    if (is(ProjectionKind::geographic, source)) {
         scheme = Scheme::degrees;
     } else if (has_more_than_constants(p)) {
         scheme = Scheme::unchecked;
-    } else if (source.is(ProjectionKind::soldner)) {
+    } else if (is(ProjectionKind::soldner, source)) {
         scheme = Scheme::local;
-    } else if (source.is(ProjectionKind::gaussKrueger)) {
+    } else if (is(ProjectionKind::gaussKrueger, source)) {
         scheme = zones.hasStrips ? Scheme::strips : Scheme::meridian;
     }
 }

@@ -4,14 +4,15 @@
 #include <array>
 #include <string>
 
-#include "keeper/data_directory.h"
+#include "base/system_description.h"
+#include "geodesy/zones.h"
 
 namespace cli {
 
 class Plausibility {
   public:
     // source: the system that the points are given in, its zone number included.
-    explicit Plausibility(const System& source);
+    explicit Plausibility(const lagestatus::SystemDescription& source);
 
     // Whether the coordinates can belong to the system, as far as can be told.
     [[nodiscard]] bool fits(const std::array<double, 3>& point) const;
@@ -34,7 +35,7 @@ class Plausibility {
     enum class Scheme { unchecked, degrees, strips, meridian, local };
 
     Scheme scheme = Scheme::unchecked;
-    ZoneLayout zones;
+    lagestatus::ZoneLayout zones;
     int zoneNumber;
     double constantX = 0.0;  // added to northings, metres
     double constantY = 0.0;  // added to eastings, metres

@@ -4,7 +4,9 @@
 #include <cmath>
 #include <utility>
 
+#include "bulk/texts.h"
 #include "heights/height_model_file.h"
+#include "keeper/data_directory.h"
 #include "points/angle_text.h"
 #include "system/output.h"
 #include "system/text.h"
@@ -193,17 +195,19 @@ void Written::clear() {
     warning.text.clear();
 }
 
-PointWriter::PointWriter(const RunOptions& runOptions, const DataDirectory& directory, const System& source,
-                         const System& target, const std::string& targetFile)
+PointWriter::PointWriter(const RunOptions& runOptions, const Directory& directory, const ReadSystem& source,
+                         const ReadSystem& target)
     : options(runOptions),
-      targetPath(directory.path_of(targetFile)),
-      modelPath(directory.path_of(std::string(heightModelFileName))),
-      road(directory.bytes, source, target),
-      plausibility(source),
-      sourceGeocentric(source.is(ProjectionKind::geocentric)),
-      targetGeocentric(target.is(ProjectionKind::geocentric)),
-      targetGeographic(target.is(ProjectionKind::geographic)),
-      normalColumn(runOptions.normalWanted && !targetGeocentric) {}
+      targetPath(target.file),
+      modelPath(directory.path_of(heightModelFileName)),
+      sourceGeocentric(is(ProjectionKind::geocentric, source.description)),
+      targetGeocentric(is(ProjectionKind::geocentric, target.description)),
+      targetGeographic(is(ProjectionKind::geographic, target.description)),
+      normalGiven(runOptions.normalGiven && !sourceGeocentric),
+      normalColumn(runOptions.normalWanted && !targetGeocentric),
+      road(source.description, target.description,
+           normalGiven || normalColumn ? directory.height_model() : nullptr),
+      plausibility(source.description) {}
 
 void PointWriter::lines(std::string_view text, const LineForm& form, std::uint64_t firstLine,
                         Written& written) const {
@@ -259,27 +263,18 @@ std::string PointWriter::encoded(const std::string& text) const {
 void PointWriter::point_row(std::string_view line, const LineForm& form, const PointLine& read,
                             Written& written) const {
     // Where normal heights play no part, none is asked for.
-    const bool normalGiven = options.normalGiven && !sourceGeocentric && (read.hasHeight || targetGeocentric);
+    const bool isNormal = normalGiven && (read.hasHeight || targetGeocentric);
     const bool normalWritten = normalColumn && read.hasHeight;
-    Transformed transformed = road.transform(read.point, {normalGiven, normalGiven || normalWritten});
-    const int status = transformed.status;
-    auto& at = transformed.result;
-    const auto isPlace = [&at] { return at[0] != 0.0 || at[1] != 0.0 || at[2] != 0.0; };
-    const bool heightFailed = status >= status::heightModel;
-    if (heightFailed && !targetGeocentric && !isPlace()) {
-        // Where the height model is missing altogether the library may end early; the place does not hang on it.
-        at = road.transform(read.point, {false, false}).result;
-    }
-    const bool complete = status == status::ok;
-    // A place without its height: all coordinates were computed, the height model gave nothing. Of X, Y, Z all hangs on
-    // the height.
-    const bool hasPlace = complete || (heightFailed && !targetGeocentric && isPlace());
+    const CarriedPoint carried = road.carry(
+        read.point,
+        {.sourceIsNormal = isNormal, .targetWantsNormal = isNormal || normalWritten, .alsoUnasked = false});
+    const auto& at = carried.at;
 
     const char decimalMark = form.decimalComma ? ',' : '.';
     Texts numbers;
     for (const std::size_t part : {0U, 1U}) {
         std::string& number = numbers[part];
-        if (!hasPlace) {
+        if (!carried.hasPlace) {
             number = unknown;
         } else if (targetGeographic && options.withSeconds) {
             append_angle(number, at[part], options.degreeDecimals,
@@ -299,16 +294,16 @@ void PointWriter::point_row(std::string_view line, const LineForm& form, const P
         }
     };
     if (read.hasHeight || targetGeocentric) {
-        writeHeight(2, complete || (hasPlace && !normalGiven));
+        writeHeight(2, carried.hasHeight);
     }
     if (normalWritten) {
-        writeHeight(3, complete);
+        writeHeight(3, carried.hasNormal);
     }
     std::string reason;
-    if (!complete) {
+    if (const Status status = carried.status; status != status::ok) {
         ++written.tally.statuses[status];
-        reason =
-            encoded(std::to_string(status) + " " + message(status, heightFailed ? modelPath : targetPath));
+        const std::string& file = status >= status::heightModel ? modelPath : targetPath;
+        reason = encoded(std::to_string(status) + " " + message_text(status, file));
     }
     if (options.exchanged) {
         std::swap(numbers[0], numbers[1]);

@@ -9,7 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "keeper/data_directory.h"
+#include "bulk/directory.h"
+#include "bulk/road.h"
 #include "points/plausibility.h"
 #include "points/point_line.h"
 
@@ -61,8 +62,9 @@ using Texts = std::array<std::string, 4>;
 // Transforms points between two systems of a data directory. Any number of threads may use one at once.
 class PointWriter {
   public:
-    PointWriter(const RunOptions& runOptions, const DataDirectory& directory, const System& source,
-                const System& target, const std::string& targetFile);
+    // Reads the height model if normal heights play a part.
+    PointWriter(const RunOptions& runOptions, const lagestatus::Directory& directory,
+                const lagestatus::ReadSystem& source, const lagestatus::ReadSystem& target);
 
     // Transforms whole lines, the first of which has the given number in its file.
     void lines(std::string_view text, const LineForm& form, std::uint64_t firstLine, Written& written) const;
@@ -87,12 +89,13 @@ class PointWriter {
     RunOptions options;
     std::string targetPath;  // of the target's parameter file and of the height model, as messages name them
     std::string modelPath;
-    Road road;
-    Plausibility plausibility;
     bool sourceGeocentric;
     bool targetGeocentric;
     bool targetGeographic;
-    bool normalColumn;  // there is one, where lines have heights
+    bool normalGiven;   // where points have heights
+    bool normalColumn;  // likewise
+    lagestatus::Road road;
+    Plausibility plausibility;
 };
 
 }  // namespace cli

@@ -1,7 +1,5 @@
 #include "system/platform.h"
 
-#include "datafiles/platform_file.h"
-
 #ifdef _WIN32
 
 #include <windows.h>
@@ -58,16 +56,6 @@ std::filesystem::path file_path(const std::string& utf8) {
 
 std::string path_text(const std::filesystem::path& path) {
     return from_wide(path.native());
-}
-
-std::optional<std::string> directory_bytes(const std::string& utf8) {
-    const std::wstring wide = to_wide(utf8);
-    std::string bytes(wide.size(), '\0');
-    BOOL unknown = FALSE;
-    const int size = static_cast<int>(wide.size());
-    WideCharToMultiByte(lagestatus::westernCodePage, WC_NO_BEST_FIT_CHARS, wide.data(), size, bytes.data(),
-                        size, nullptr, &unknown);
-    return unknown != FALSE ? std::nullopt : std::optional(bytes);
 }
 
 namespace {
@@ -197,10 +185,6 @@ std::vector<std::string> arguments(int argc, char** argv) {
 }
 
 std::filesystem::path file_path(const std::string& utf8) {
-    return utf8;
-}
-
-std::optional<std::string> directory_bytes(const std::string& utf8) {
     return utf8;
 }
 

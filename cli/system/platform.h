@@ -19,10 +19,6 @@ std::filesystem::path file_path(const std::string& utf8);
 // The reverse.
 std::string path_text(const std::filesystem::path& path);
 
-// A directory's name as the library takes it, one character a unit; nothing when it holds others than the library can
-// name (on Windows those of code page 1252, elsewhere the bytes are the name).
-std::optional<std::string> directory_bytes(const std::string& utf8);
-
 // Files by their descriptors: as the POSIX calls of these names, never translating line ends, tried again when a signal
 // interrupts them. Failures are negative, with the reason in errno.
 inline constexpr int standardInput = 0;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <system_error>
 
+#include "bulk/texts.h"
 #include "datafiles/field_scanner.h"
 
 namespace cli {
@@ -87,28 +88,12 @@ std::string plural(std::size_t count, const std::string& word) {
     return std::to_string(count) + ' ' + word + (count == 1 ? "" : "s");
 }
 
-std::string utf8_of(std::string_view latin1, std::string_view replacement) {
-    std::string text;
-    for (const char character : latin1) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x20 || (byte >= 0x7F && byte < 0xA0)) {
-            text += replacement;
-        } else if (byte < 0x80) {
-            text += character;
-        } else {
-            text += static_cast<char>(0xC0U | (byte >> 6U));
-            text += static_cast<char>(0x80U | (byte & 0x3FU));
-        }
-    }
-    return text;
-}
-
 std::string excerpt(std::string_view text) {
     constexpr std::size_t longest = 40;
     while (!text.empty() && lagestatus::is_blank(text.back())) {
         text.remove_suffix(1);
     }
-    return '"' + utf8_of(text.substr(0, longest), "?") + (text.size() > longest ? "...\"" : "\"");
+    return '"' + lagestatus::utf8_of(text.substr(0, longest), "?") + (text.size() > longest ? "...\"" : "\"");
 }
 
 std::optional<std::string> latin1(std::string_view utf8) {

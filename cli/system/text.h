@@ -30,9 +30,6 @@ std::string trimmed_text(double value, int decimals);
 // "3 lines", "1 line".
 std::string plural(std::size_t count, const std::string& word);
 
-// Text of a data file (ISO 8859-1) in UTF-8. Its control characters, which must not reach a terminal, are replaced.
-std::string utf8_of(std::string_view latin1, std::string_view replacement = "\uFFFD");
-
 // Text of a data file as messages quote it, not longer than fits a line.
 std::string excerpt(std::string_view text);
 

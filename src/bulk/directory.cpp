@@ -47,7 +47,7 @@ const ReadSystem& Directory::system(const DefinitionEntry& entry, Column column)
         read->name = utf8_of(read->description.systemName.view());
         read->kind = utf8_of(read->description.projectionKind.view());
         read->ellipsoid = utf8_of(read->description.ellipsoidName.view());
-        read->file = path_of(entry);
+        read->file = path_of(file_name(entry));
         read->failure = failure_at(status, read->file, lines);
         slot = std::move(read);
     }
@@ -74,8 +74,8 @@ std::string Directory::path_of(std::string_view fileName) const {
     return name == "." ? std::string(fileName) : name + separator + std::string(fileName);
 }
 
-std::string Directory::path_of(const DefinitionEntry& entry) const {
-    return path_of(utf8_of(parameter_file_name(entry.name.view(), record.scrambled).view()));
+std::string Directory::file_name(const DefinitionEntry& entry) const {
+    return utf8_of(parameter_file_name(entry.name.view(), record.scrambled).view());
 }
 
 }  // namespace lagestatus

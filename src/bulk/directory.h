@@ -58,7 +58,9 @@ class Directory {
     // The directory's path as it was given, and those of its files, as messages name them.
     [[nodiscard]] const std::string& path() const noexcept { return name; }
     [[nodiscard]] std::string path_of(std::string_view fileName) const;
-    [[nodiscard]] std::string path_of(const DefinitionEntry& entry) const;
+
+    // The name of an entry's parameter file, in UTF-8.
+    [[nodiscard]] std::string file_name(const DefinitionEntry& entry) const;
 
   private:
     std::string name;

@@ -242,14 +242,14 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
 /*
  * How points are to be carried. All members but size may be 0. Later versions may add members at its end.
  *
- *   heightGiven     what the third column of the input holds. NONE: it is not read, and every height counts as the
- *                   default height, without one as 0. The Z of a geocentric source is no height: this is nothing to it
+ *   heightGiven     what the third column of the input holds. NONE: it is not read, no point has a height, and without
+ *                   a default one it counts as 0. The Z of a geocentric source is no height: this is nothing to it
  *   heightWanted    ELLIPSOIDAL: in the third column of the output; NORMAL: in the fourth; BOTH: in both; NONE: in
  *                   neither. The Z of a geocentric target is always written, and has no NORMAL height alone. Elsewhere
  *                   a height that is wanted must be given
  *   calculation     LAGESTATUS_REFERENCE: the bits of the seven functions
- *   defaultHeight   of the kind that heightGiven says, for points whose height is NaN, which are counted. Without it
- *                   they fail
+ *   defaultHeight   for points without a height, which are counted: those whose height is NaN (without a default one
+ *                   they fail), or all where none is given. Normal if heightGiven is NORMAL, else ellipsoidal
  */
 typedef struct lagestatus_options {
     size_t size;          /* set by the caller: sizeof(lagestatus_options) */
@@ -296,8 +296,9 @@ lagestatus_transformation_close(lagestatus_transformation* transformation);
  * Returned: how many points have a status other than 0; LAGESTATUS_ARGUMENT, with nothing written, for a null pointer
  *           that may not be null
  *           output         a point with status 0 has all that is wanted. With 1 to 999 all of it is NaN. From 1000 its
- *                          place is there, and heights that hang on the height anomaly are NaN: given ELLIPSOIDAL the
- *                          normal one, given NORMAL both. Of a geocentric target all hangs on the height
+ *                          place is there, unless that cannot be computed either, and heights that hang on the height
+ *                          anomaly are NaN: given ELLIPSOIDAL the normal one, given NORMAL both. Of a geocentric target
+ *                          all hangs on the height
  *
  * An output column may be an input column, with the same stride; otherwise outputs overlap neither inputs nor each
  * other.

@@ -105,16 +105,16 @@ Transformation::Outcome Transformation::carry(std::size_t count, const std::arra
     const bool writesNormal = has_normal_output();
     const bool swapsInput = options.sourceEastingFirst && !sourceGeocentric;
     const bool swapsOutput = options.targetEastingFirst && !targetGeocentric;
-    const double insteadOfNone = options.defaultHeight.value_or(0.0);
+    const double notRead = options.defaultHeight ? none : 0.0;
     Outcome outcome;
     for (std::size_t number = 0; number < count; ++number) {
         Point point = {read(input[0], number), read(input[1], number),
-                       readsThird ? read(input[2], number) : insteadOfNone};
+                       readsThird ? read(input[2], number) : notRead};
         if (swapsInput) {
             std::swap(point[0], point[1]);
         }
         if (std::isnan(point[2]) && !sourceGeocentric && options.defaultHeight) {
-            point[2] = insteadOfNone;
+            point[2] = *options.defaultHeight;
             ++outcome.defaulted;
         }
         const CarriedPoint carried = road.carry(point, flags);

@@ -48,12 +48,14 @@ bool DataFile::open(std::string_view directory, std::string_view name, PathText 
     return handle != noFile;
 }
 
-// As read_data_file.
-std::ptrdiff_t DataFile::read_block(char* bytes) noexcept {
+std::ptrdiff_t DataFile::read_stored(char* bytes, std::size_t count) noexcept {
     if (handle != noFile) {
-        return read_data_file(handle, bytes, blockSize);
+        return read_data_file(handle, bytes, count);
     }
-    const std::size_t count = held.copy(bytes, blockSize);
+    if (held.empty() && failsBehind) {
+        return -1;
+    }
+    count = held.copy(bytes, count);
     held.remove_prefix(count);
     return static_cast<std::ptrdiff_t>(count);
 }
@@ -67,7 +69,7 @@ bool DataFile::refill() noexcept {
         if (carriageReturnHeld) {
             start[filled++] = '\r';
         }
-        const std::ptrdiff_t bytes = read_block(start + filled);
+        const std::ptrdiff_t bytes = read_stored(start + filled, blockSize);
         if (bytes < 0) {
             readFailed = true;
             return false;

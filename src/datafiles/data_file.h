@@ -17,8 +17,10 @@ class DataFile {
     static constexpr std::size_t maxDirectory = 299;  // characters
 
     DataFile() noexcept = default;
-    // Of bytes in the caller's memory, which outlive it; open() is then not to be called.
-    explicit DataFile(std::string_view heldBytes) noexcept : held(heldBytes) {}
+    // Of bytes in the caller's memory, which outlive it; open() is then not to be called. thenFails: they are what
+    // could be read of a file, up to an error.
+    explicit DataFile(std::string_view heldBytes, bool thenFails = false) noexcept
+        : held(heldBytes), failsBehind(thenFails) {}
     ~DataFile();
     DataFile(const DataFile&) = delete;
     DataFile& operator=(const DataFile&) = delete;
@@ -43,16 +45,18 @@ class DataFile {
     // True after a read error; the end of the file is none.
     [[nodiscard]] bool failed() const noexcept { return readFailed; }
 
+    // As read_data_file: the next bytes as they are stored, for whoever holds all of them and asks for nothing else.
+    [[nodiscard]] std::ptrdiff_t read_stored(char* bytes, std::size_t count) noexcept;
+
   private:
     // Fills the buffer with the next block, line ends folded; false at the end of the file or on an error.
     bool refill() noexcept;
 
-    std::ptrdiff_t read_block(char* bytes) noexcept;
-
     static constexpr std::size_t blockSize = 16384;
 
     FileHandle handle = noFile;
-    std::string_view held;  // what is left of bytes in memory, where there is no file
+    std::string_view held;     // what is left of bytes in memory, where there is no file,
+    bool failsBehind = false;  // and whether reading fails behind them
     bool readFailed = false;
     bool carriageReturnHeld = false;  // last byte of the previous block, its fate still open
     std::size_t position = 0;

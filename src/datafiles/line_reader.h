@@ -28,8 +28,9 @@ class LineReader {
     static constexpr std::size_t maxLength = 999;
 
     LineReader() noexcept = default;
-    // Of bytes in the caller's memory, which outlive it.
-    explicit LineReader(std::string_view heldBytes) noexcept : file(heldBytes) {}
+    // Of bytes in the caller's memory, which outlive it; as DataFile takes them.
+    explicit LineReader(std::string_view heldBytes, bool thenFails = false) noexcept
+        : file(heldBytes, thenFails) {}
 
     // As DataFile::open.
     [[nodiscard]] bool open(std::string_view directory, std::string_view name,

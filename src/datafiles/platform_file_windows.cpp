@@ -41,7 +41,7 @@ FileHandle open_data_file(std::string_view directory, std::string_view name, Pat
     std::wstring_view path(buffer.data(), 0);
     for (const auto& [text, codePage, flags] :
          {Part{directory, encoding == PathText::utf8 ? CP_UTF8 : westernCodePage,
-               encoding == PathText::utf8 ? MB_ERR_INVALID_CHARS : 0},
+               encoding == PathText::utf8 ? DWORD{MB_ERR_INVALID_CHARS} : DWORD{0}},
           Part{name, westernCodePage, 0}}) {
         const int units =
             text.empty() ? 0
