@@ -125,6 +125,12 @@ inline const char* whole(const std::string& path) {
     return path.c_str();
 }
 
+// What a column of the values can be made of: anything that is a span of them, and, to read, a column to write.
+template <typename Range, typename Value>
+concept Numbers = std::is_convertible_v<Range&&, std::span<Value>>;
+template <typename Other, typename Value>
+concept WritableFor = std::is_const_v<Value> && std::is_same_v<Other, double>;
+
 }  // namespace detail
 
 // One system of a directory; its members are those of lagestatus_system.
@@ -263,22 +269,16 @@ class Column {
     constexpr Column() noexcept = default;
 
     // Takes numbers that lie side by side: a std::span, std::vector, std::array. Throws nothing.
-    template <typename Range>
-    requires(
-        !std::is_same_v<std::remove_cvref_t<Range>, Column> &&
-        std::is_convertible_v<
-            Range&&,
-            std::span<
-                Value>>) constexpr Column(Range&&
-                                              range) noexcept  // NOLINT(*-explicit-*, *-forwarding-reference-overload)
+    template <detail::Numbers<Value> Range>
+    constexpr Column(
+        Range&& range) noexcept  // NOLINT(bugprone-forwarding-reference-overload): no column is a range
         : Column(std::span<Value>(std::forward<Range>(range))) {}
-    constexpr Column(std::span<Value> values) noexcept  // NOLINT(*-explicit-*): like the others
+    constexpr Column(std::span<Value> values) noexcept
         : first(values.data()), count(values.size()), isGiven(true) {}
 
     // Takes a column that may be written to, to read from it. Throws nothing.
-    template <typename Other>
-    requires(std::is_const_v<Value>&& std::is_same_v<Other, double>) constexpr Column(
-        const Column<Other>& other) noexcept  // NOLINT(*-explicit-*)
+    template <detail::WritableFor<Value> Other>
+    constexpr Column(const Column<Other>& other) noexcept
         : first(other.data()), count(other.size()), distance(other.stride()), isGiven(other.is_given()) {}
 
     // Takes records, and which of their members is meant. Throws nothing.
