@@ -270,9 +270,8 @@ class Column {
 
     // Takes numbers that lie side by side: a std::span, std::vector, std::array. Throws nothing.
     template <detail::Numbers<Value> Range>
-    constexpr Column(
-        Range&& range) noexcept  // NOLINT(bugprone-forwarding-reference-overload): no column is a range
-        : Column(std::span<Value>(std::forward<Range>(range))) {}
+    // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): a column is no range
+    constexpr Column(Range&& range) noexcept : Column(std::span<Value>(std::forward<Range>(range))) {}
     constexpr Column(std::span<Value> values) noexcept
         : first(values.data()), count(values.size()), isGiven(true) {}
 
