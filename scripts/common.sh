@@ -122,6 +122,41 @@ use_wine() {
 in_wine() { env LOCPATH="$locales" LC_ALL=el_GR.UTF-8 LAGESTATUS_CODE_PAGE=1253 "$@"; }
 stop_wine() { wineserver --kill || true; }
 
+# The functions that a library of src/FOLDER exports.
+exported_of() { sed -n 's/^ *\([a-zA-Z_]*\);$/\1/p' "src/$1/exports.map" | LC_ALL=C sort; }
+
+# Builds programs outside against an installed tree, by CMake and by pkg-config, and runs them.
+# Usage: try_installed TREE WORK_DIRECTORY
+try_installed() {
+    local tree=$1 work=$2 libraries example
+    libraries=$(dirname "$(find "$tree" -name 'liblagestatus.so' -o -name 'liblagestatus.a' | head -n 1)")
+    cmake -G Ninja -S tests/consumer -B "$work/consumer" -DCMAKE_PREFIX_PATH="$tree" >/dev/null
+    cmake --build "$work/consumer" >/dev/null
+    tests/example_test.sh data/sample "$work/consumer/consumer"
+    tests/example_test.sh many_points data/sample "$work/consumer/c_many_points"
+    tests/example_test.sh many_points data/sample "$work/consumer/cpp_many_points"
+    "$work/consumer/both" data/sample || fail "a program with both libraries does not run"
+    export PKG_CONFIG_PATH=$libraries/pkgconfig
+    # shellcheck disable=SC2046
+    {
+        gcc -std=c11 examples/c/example.c -o "$work/example" $(pkg-config --cflags --libs lagestatus)
+        gcc -std=c11 examples/c/many_points.c -o "$work/many_points" $(pkg-config --cflags --libs lagestatus_bulk)
+        g++ -std=c++20 examples/cpp/many_points.cpp -o "$work/many_points_cpp" \
+            $(pkg-config --cflags --libs lagestatus_bulk)
+        gcc -std=c11 tests/consumer/both.c -o "$work/both" $(pkg-config --cflags --libs lagestatus lagestatus_bulk)
+    }
+    unset PKG_CONFIG_PATH
+    (
+        export LD_LIBRARY_PATH=$libraries
+        tests/example_test.sh data/sample "$work/example"
+        for example in many_points many_points_cpp; do
+            tests/example_test.sh many_points data/sample "$work/$example"
+        done
+        "$work/both" data/sample || fail "a program with both libraries does not run"
+    )
+    "$tree/bin/lagestatus" list -d data/sample >/dev/null
+}
+
 # Runs a command, quietly unless it fails.
 quietly() {
     local log

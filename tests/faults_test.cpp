@@ -10,8 +10,7 @@
 #include <map>
 #include <set>
 
-#include "bulk/lagestatus_bulk.h"
-#include "support.h"
+#include "bulk_support.h"
 
 using namespace testing_support;
 
@@ -213,26 +212,16 @@ class Faults : public ::testing::Test {
         };
     }
     // As transformation(), by what a directory holds.
-    static Action held(const DataDirectory& in, int flags) {
-        return [path = in.path(), flags] {
-            lagestatus_directory* directory = nullptr;
-            lagestatus_transformation* through = nullptr;
-            lagestatus_options both = {};
-            both.size = sizeof both;
-            both.heightWanted = LAGESTATUS_HEIGHT_BOTH;
-            std::array point = {51.3, 9.4, 100.0, 0.0};
-            double* const columns[] = {&point[0], &point[1], &point[2], &point[3]};
-            int status = lagestatus_directory_open(path.c_str(), flags, &directory, nullptr);
-            if (status == 0) {
-                status = lagestatus_transformation_open(directory, 17, 17, &both, &through, nullptr);
+    static Action held(const DataDirectory& in) {
+        return [path = in.path()] {
+            const auto directory = open_directory(path);
+            if (directory.status != 0) {
+                return Outcome{directory.status};
             }
-            if (status == 0) {
-                lagestatus_transform(through, 1, columns, nullptr, columns, nullptr, &status, nullptr);
-                EXPECT_TRUE(std::isnan(point[3]) == (status != 0) && std::fabs(point[0] - 51.3) < 1e-12);
-            }
-            lagestatus_transformation_close(through);
-            lagestatus_directory_close(directory);
-            return Outcome{status, {point.begin(), point.end()}};
+            const auto way = open_way(directory.handle, 17, 17, heights(0, LAGESTATUS_HEIGHT_BOTH));
+            const Carried each =
+                way.status == 0 ? carried(way.handle, {{51.3, 9.4, 100}})[0] : Carried{way.status};
+            return Outcome{each.status, {each.at.begin(), each.at.end()}};
         };
     }
     static Action road(const DataDirectory& in, const char* ellipsoid, int sourceFlag) {
@@ -261,7 +250,7 @@ class Faults : public ::testing::Test {
         std::vector<Action> all = {description(directory, Role::target, 1), anomaly(directory)};
         for (const DataDirectory* in : {&directory, &capitals}) {
             all.insert(all.end(), {listing(*in), description(*in, Role::source, 0), transformation(*in),
-                                   iteration(*in), held(*in, 0)});
+                                   iteration(*in), held(*in)});
         }
         return all;
     }

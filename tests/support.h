@@ -214,10 +214,6 @@ struct Transformed {
     std::array<int, 2> auxiliary = {};
     Texts source, target;
 };
-// Success, or nothing missing but the normal height of a place beside the height model.
-inline bool carries_the_place(int status) {
-    return status == 0 || status == 1108 || status == 1109;
-}
 Transformed transform(const std::string& directory, int from, int to, const std::array<double, 3>& point,
                       char heightMode = 'e');
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "base/fixed_text.h"
 #include "base/caller_memory.h"
+#include "base/fixed_text.h"
 #include "interface/lagestatus.h"
 
 namespace lagestatus {

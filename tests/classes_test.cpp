@@ -1,0 +1,37 @@
+// The classes of lagestatus.hpp: what they refuse, and what their exceptions carry.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+
+#include "bulk/lagestatus.hpp"
+
+using namespace lagestatus;
+
+TEST(Classes, errors_carry_what_the_library_tells) {
+    const Directory directory(SAMPLE_DIR);
+    try {
+        const Transformation transformation(directory, 103, 999);
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.status(), 93);
+        EXPECT_EQ(std::string(error.file()).substr(0, 11), "data/sample");
+        EXPECT_EQ(error.what(), message(93, error.file()));
+    }
+    EXPECT_THROW(Directory(std::string("data/sample\0x", 13)), std::invalid_argument);
+    EXPECT_THROW((Transformation(directory, 103, 203, {.heightGiven = HeightGiven::none})), Error);
+}
+
+TEST(Classes, lengths_are_compared_before_anything_is_written) {
+    const Transformation transformation(Directory(SAMPLE_DIR), 103, 203, {.defaultHeight = 62.0});
+    std::array<double, 2> northing = {5814068.9341, 5814068.9341}, easting = {4592988.2976, 4592988.2976};
+    std::array<double, 2> first = {1.0, 1.0}, second = {}, height = {};
+    const double unknown = std::nan("");
+    const auto shared = Column<const double>::strided(&unknown, 2, 0);
+    const std::span<double> one(height.data(), 1);
+    EXPECT_THROW(transformation.transform({northing, easting, shared}, {first, second, one}),
+                 std::invalid_argument);
+    EXPECT_EQ(first[0], 1.0);
+    EXPECT_EQ(transformation.transform({northing, easting, shared}, {first, second, height}).defaulted, 2U);
+    EXPECT_NEAR(height[1], 103.1135, 5e-5);  // of PROJ, as in data/many_points.txt
+}
