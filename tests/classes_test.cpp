@@ -8,7 +8,7 @@
 
 using namespace lagestatus;
 
-TEST(Classes, errors_carry_what_the_library_tells) {
+TEST(Classes, ErrorsCarryWhatTheLibraryTells) {
     const Directory directory(SAMPLE_DIR);
     try {
         const Transformation transformation(directory, 103, 999);
@@ -16,13 +16,13 @@ TEST(Classes, errors_carry_what_the_library_tells) {
     } catch (const Error& error) {
         EXPECT_EQ(error.status(), 93);
         EXPECT_EQ(std::string(error.file()).substr(0, 11), "data/sample");
-        EXPECT_EQ(error.what(), message(93, error.file()));
+        EXPECT_EQ(error.what(), message(93, error.file()) + ": 999");
     }
     EXPECT_THROW(Directory(std::string("data/sample\0x", 13)), std::invalid_argument);
     EXPECT_THROW((Transformation(directory, 103, 203, {.heightGiven = HeightGiven::none})), Error);
 }
 
-TEST(Classes, lengths_are_compared_before_anything_is_written) {
+TEST(Classes, LengthsAreComparedBeforeAnythingIsWritten) {
     const Transformation transformation(Directory(SAMPLE_DIR), 103, 203, {.defaultHeight = 62.0});
     std::array<double, 2> northing = {5814068.9341, 5814068.9341}, easting = {4592988.2976, 4592988.2976};
     std::array<double, 2> first = {1.0, 1.0}, second = {}, height = {};

@@ -57,7 +57,8 @@ int main(int argc, char** argv) {
         if (statuses[index] == 0) {
             printf("%.4f %.4f %.4f\n", northing[index], easting[index], height[index]);
         } else {
-            lagestatus_message(statuses[index], "hoehe.ini", message, sizeof(message));
+            lagestatus_message(statuses[index], statuses[index] >= 1000 ? "hoehe.ini" : "etrs89-utm.tra",
+                               message, sizeof(message));
             printf("%d: %s\n", statuses[index], message);
         }
     }

@@ -23,6 +23,7 @@ struct Failure {
     std::string file = {};  // its path, as messages name it
     std::int64_t line = 0;  // 0: no line
     std::string text = {};  // of that line
+    std::string more = {};  // behind the message of the status
 };
 
 // A system, as far as its file gave it. With a failure the description is not to be used for points.
@@ -32,13 +33,13 @@ struct ReadSystem {
     std::string name;  // texts of the description in UTF-8
     std::string kind;
     std::string ellipsoid;
-    std::string file;  // path of the parameter file
+    std::string file;  // path of the parameter file, as it is shown
 };
 
 // Any number of threads may ask one. std::bad_alloc leaves it as it was.
 class Directory {
   public:
-    // Reads DEFAULT. Given: a path in UTF-8, at most 299 bytes; "." for the current directory.
+    // Reads DEFAULT. Given: a path in UTF-8, at most DataFile::maxDirectory bytes; "." for the current directory.
     explicit Directory(std::string path);
 
     // Of DEFAULT.

@@ -34,6 +34,8 @@ namespace {
 using namespace lagestatus;
 
 static_assert(LAGESTATUS_PATH_MAX == DataFile::maxDirectory);
+#define TEXT_OF(number) #number
+#define NUMBER_TEXT(number) TEXT_OF(number)
 
 // The bytes of a text that fit before its end, without half a character.
 std::size_t fitting(std::string_view utf8, std::size_t size) noexcept {
@@ -69,25 +71,28 @@ constexpr std::string_view nullPointer = "Ein Zeiger, der nicht fehlen darf, ist
 // Tells the caller what failed. Needs no memory for the statuses of this interface.
 Status tell(lagestatus_failure* told, Status status, std::string_view reason = {}) noexcept {
     if (told != nullptr) {
-        *told = {};
-        told->status = status;
-        put_text(reason.empty() ? own_message(status) : reason, told->message, sizeof(told->message));
+        lagestatus_failure failure = {};
+        failure.status = status;
+        put_text(reason.empty() ? own_message(status) : reason, failure.message, sizeof(failure.message));
+        store<lagestatus_failure>(told, 0, failure);
     }
     return status;
 }
 
-Status tell(lagestatus_failure* told, const Failure& failure) {
+Status tell(lagestatus_failure* told, const Failure& failed) {
     if (told != nullptr) {
-        *told = {};
-        told->status = failure.status;
-        if (failure.status != status::ok) {
-            told->line = failure.line;
-            put_text(failure.file, told->file, sizeof(told->file));
-            put_text(failure.text, told->text, sizeof(told->text));
-            put_text(message_text(failure.status, failure.file), told->message, sizeof(told->message));
+        lagestatus_failure failure = {};
+        failure.status = failed.status;
+        if (failed.status != status::ok) {
+            failure.line = failed.line;
+            put_text(failed.file, failure.file, sizeof(failure.file));
+            put_text(failed.text, failure.text, sizeof(failure.text));
+            put_text(message_text(failed.status, failed.file) + failed.more, failure.message,
+                     sizeof(failure.message));
         }
+        store<lagestatus_failure>(told, 0, failure);
     }
-    return failure.status;
+    return failed.status;
 }
 
 // Runs what may run out of memory, in the floating-point environment that it expects.
@@ -119,6 +124,7 @@ const DefinitionEntry* find_entry(const Directory& directory, int code, Failure&
     const DefinitionEntry* const entry = directory.definition().find(code);
     if (entry == nullptr) {
         failure = {status::codeNotListed, directory.path_of(definitionFileName)};
+        failure.more = ": " + std::to_string(code);
     }
     return entry;
 }
@@ -249,7 +255,7 @@ void take_columns(Columns& columns, Value* const* values, const std::ptrdiff_t* 
 int lagestatus_directory_open(const char* path, int flags, lagestatus_directory** directory,
                               lagestatus_failure* failure) {
     if (directory != nullptr) {
-        *directory = nullptr;
+        store<lagestatus_directory*>(directory, 0, nullptr);
     }
     if (path == nullptr || directory == nullptr) {
         return tell(failure, LAGESTATUS_ARGUMENT, nullPointer);
@@ -258,7 +264,8 @@ int lagestatus_directory_open(const char* path, int flags, lagestatus_directory*
     if (length == 0 || length > LAGESTATUS_PATH_MAX) {
         return tell(failure, LAGESTATUS_ARGUMENT,
                     length == 0 ? "Der Pfad ist leer; das aktuelle Verzeichnis ist \".\""
-                                : "Der Pfad des Verzeichnisses hat mehr als 299 Bytes");
+                                : "Der Pfad des Verzeichnisses hat mehr als " NUMBER_TEXT(
+                                      LAGESTATUS_PATH_MAX) " Bytes");
     }
     if ((flags & ~LAGESTATUS_READ_NOW) != 0) {
         return tell(failure, LAGESTATUS_ARGUMENT, "flags hat einen unbekannten Wert");
@@ -270,7 +277,7 @@ int lagestatus_directory_open(const char* path, int flags, lagestatus_directory*
             if ((flags & LAGESTATUS_READ_NOW) != 0) {
                 opened->directory.read_all();
             }
-            *directory = opened.release();
+            store<lagestatus_directory*>(directory, 0, opened.release());
         }
         return status;
     });
@@ -346,7 +353,7 @@ int lagestatus_transformation_open(const lagestatus_directory* directory, int so
                                    const lagestatus_options* options,
                                    lagestatus_transformation** transformation, lagestatus_failure* failure) {
     if (transformation != nullptr) {
-        *transformation = nullptr;
+        store<lagestatus_transformation*>(transformation, 0, nullptr);
     }
     if (directory == nullptr || transformation == nullptr) {
         return tell(failure, LAGESTATUS_ARGUMENT, nullPointer);
@@ -370,8 +377,10 @@ int lagestatus_transformation_open(const lagestatus_directory* directory, int so
             return tell(failure, LAGESTATUS_ARGUMENT, contradiction);
         }
         const bool needsModel = Transformation::needs_height_model(here, there, how);
-        *transformation = new lagestatus_transformation{
-            Transformation(here, there, how, needsModel ? files.height_model() : nullptr)};
+        store<lagestatus_transformation*>(
+            transformation, 0,
+            new lagestatus_transformation{
+                Transformation(here, there, how, needsModel ? files.height_model() : nullptr)});
         return tell(failure, Failure{});
     });
 }

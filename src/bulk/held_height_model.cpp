@@ -45,7 +45,7 @@ void HeldHeightModel::read(HeightModelFile& file, Status openedStatus) {
     } else if (!isEmpty) {
         const bool hasLine = status != status::heightModelNotOpened && status != status::fileEnds;
         defectFound = {status::heightModel + status, hasLine ? file.line_number() : 0,
-                       std::string(hasLine ? file.text() : "")};
+                       std::string(hasLine ? file.text().substr(0, file.text().find('\n')) : "")};
     }
 }
 

@@ -15,8 +15,8 @@
 
 namespace lagestatus {
 
-// The whole of hoehe.ini, read once: whatever is asked of it, the answer is the one that the file would give, also where
-// it is broken. Throws std::bad_alloc when it is made; never afterwards.
+// The whole of hoehe.ini, read once: whatever is asked of it, the answer is the one that the file would give, also
+// where it is broken. Throws std::bad_alloc when it is made; never afterwards.
 class HeldHeightModel final : public HeightAnomalies {
   public:
     // The file of a directory, whose name is UTF-8; "." for the current directory.
@@ -36,7 +36,7 @@ class HeldHeightModel final : public HeightAnomalies {
     struct Defect {
         Status status = status::ok;
         std::int64_t line = 0;  // 0: no line
-        std::string text;       // of that line, as it is stored
+        std::string text;       // of that line, in ISO 8859-1
     };
     [[nodiscard]] const Defect& defect() const noexcept { return defectFound; }
 

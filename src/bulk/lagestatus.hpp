@@ -24,6 +24,10 @@
 #ifndef LAGESTATUS_HPP
 #define LAGESTATUS_HPP
 
+#if (defined(_MSVC_LANG) ? _MSVC_LANG : __cplusplus) < 202002L
+#error "lagestatus.hpp needs C++20"
+#endif
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>

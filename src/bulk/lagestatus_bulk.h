@@ -34,7 +34,8 @@
  *     lagestatus_directory_close(directory);
  *
  * Texts
- *   Every text is UTF-8, on Windows too, with a zero byte at its end.
+ *   Every text is UTF-8, on Windows too, with a zero byte at its end. Names in data files are read as ISO 8859-1, and
+ *   are shown so.
  *
  * Status
  *   0 is success, positive values are those of lagestatus.h. Of this interface's own:
@@ -66,8 +67,8 @@
  *   With heights wanted BOTH, a point's status and results are those of trans_dll with the letter e or N, bit for bit,
  *   for every pair of systems. By design these differ:
  *     - The files are those of the time when they were read, not of the call.
- *     - What keeps every point from being computed (DEFAULT, a code, a parameter file) is told when the directory or
- *       the transformation is opened, by the status that trans_dll would give.
+ *     - What cannot be read (DEFAULT, a code, a parameter file) is told when the directory or the transformation is
+ *       opened, by the status that trans_dll would give. Parameters that can be read but lead nowhere fail the points.
  *     - Where trans_dll leaves zeros or a height without its height anomaly, there is NaN here. A status of 1000 and
  *       above leaves the place whole, also where trans_dll gives none: only heights are lost (see below).
  *     - Heights wanted ELLIPSOIDAL or NONE: a normal height that nobody gave or wants is not computed and cannot fail.
@@ -117,7 +118,7 @@ typedef struct lagestatus_failure {
     int status;         /* the one returned */
     int reserved;       /* 0 */
     int64_t line;       /* of the file, from 1; 0 where the failure concerns no line */
-    char file[640];     /* path of the file concerned; empty where there is none */
+    char file[640];     /* path of the file concerned, as it is shown; empty where there is none */
     char text[320];     /* of that line, as it was read, cut to what fits; empty where there is none */
     char message[1280]; /* a German sentence, with the file where it concerns one */
 } lagestatus_failure;
@@ -167,7 +168,7 @@ typedef struct lagestatus_system {
     const char* name;     /* texts as far as they were read, else empty; */
     const char* kindName; /* they belong to the directory */
     const char* ellipsoid;
-    const char* file; /* path of the parameter file */
+    const char* file; /* path of the parameter file, as it is shown */
 } lagestatus_system;
 
 /* How many systems DEFAULT lists; 0 for null. */
@@ -218,7 +219,8 @@ typedef struct lagestatus_height_model {
  *
  * Given:    model    with its size; may be null
  *           failure  may be null
- * Returned: status   0, also for a file without a data line, whose height anomalies are 0; 1110, 1100, 1027 to 1048,
+ * Returned: status   0, also for a file without a data line (height anomalies are 0 in the Bessel datum, 1100 between
+ *                    systems outside); 1110, 1100, 1027 to 1048,
  *                    1101 to 1107, 1127, 1128; LAGESTATUS_ARGUMENT, LAGESTATUS_MEMORY. A grid that ends early or lacks
  *                    values fails the points that need them, not this function
  *           model    unchanged after a failure
@@ -245,11 +247,12 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
  *   heightGiven     what the third column of the input holds. NONE: it is not read, no point has a height, and without
  *                   a default one it counts as 0. The Z of a geocentric source is no height: this is nothing to it
  *   heightWanted    ELLIPSOIDAL: in the third column of the output; NORMAL: in the fourth; BOTH: in both; NONE: in
- *                   neither. The Z of a geocentric target is always written, and has no NORMAL height alone. Elsewhere
- *                   a height that is wanted must be given
+ *                   neither. The Z of a geocentric target is always written; it has no NORMAL height alone, and with
+ *                   BOTH the fourth column is the third one given, as trans_dll has it. Elsewhere a height that is
+ *                   wanted must be given
  *   calculation     LAGESTATUS_REFERENCE: the bits of the seven functions
  *   defaultHeight   for points without a height, which are counted: those whose height is NaN (without a default one
- *                   they fail), or all where none is given. Normal if heightGiven is NORMAL, else ellipsoidal
+ *                   they fail with 90), or all where none is given. Normal if heightGiven is NORMAL, else ellipsoidal
  */
 typedef struct lagestatus_options {
     size_t size;          /* set by the caller: sizeof(lagestatus_options) */
@@ -284,8 +287,8 @@ lagestatus_transformation_close(lagestatus_transformation* transformation);
  * Carries points from the source system to the target system.
  *
  * Given:    count          of points
- *           input          three columns: the first two coordinates, and the height or Z. The third may be null where no
- *                          height is given; not that of a geocentric source
+ *           input          three columns: the first two coordinates, and the height or Z. The third may be null where
+ *                          no height is given; not that of a geocentric source
  *           inputStrides   bytes from a point's value to that of the next, one a column; may be negative, or 0 for one
  *                          value that all points share. Null: sizeof(double) throughout
  *           output         four columns: the first two coordinates, ellipsoidal height or Z, normal height. One that is
@@ -294,7 +297,7 @@ lagestatus_transformation_close(lagestatus_transformation* transformation);
  *           status         one a point, or null
  *           defaulted      how many points took the default height; may be null
  * Returned: how many points have a status other than 0; LAGESTATUS_ARGUMENT, with no point written, for a null
- *           pointer that may not be null or an output stride of 0. Without points nothing is asked of the columns
+ *           pointer that may not be null or an output stride of 0. Without points the columns may be null
  *           output         a point with status 0 has all that is wanted. With 1 to 999 all of it is NaN. From 1000 its
  *                          place is there, unless that cannot be computed either, and heights that hang on the height
  *                          anomaly are NaN: given ELLIPSOIDAL the normal one, given NORMAL both. Of a geocentric target
@@ -313,7 +316,7 @@ lagestatus_transform(const lagestatus_transformation* transformation, size_t cou
  *
  * Given:    status   of a point or of a function
  *           file     the file that it concerns, as it is to be shown: for a point's status from 1000 the height model;
- *                    null: none
+ *                    null: none, and its place in the sentence stays empty
  *           size     of the buffer, in bytes
  * Returned: the length of the whole message, without its end; empty for a status without a message
  *           buffer   the message, cut between characters to what fits with its end; may be null if size is 0

@@ -2,30 +2,17 @@
 
 #include <utility>
 
+#include "bulk/held_height_model.h"
+
 namespace lagestatus {
-namespace {
-
-// For roads without normal heights.
-class NoHeightModel final : public HeightAnomalies {
-  public:
-    [[nodiscard]] Status at(double /*lam*/, double /*phi*/, double& zeta) const noexcept override {
-        zeta = 0.0;
-        return status::heightModelNotOpened;
-    }
-    [[nodiscard]] Status at(const Geocentric& /*point*/, Found& /*found*/) const noexcept override {
-        return status::heightModel + status::heightModelNotOpened;
-    }
-};
-
-}  // namespace
-
 Road::Road(const SystemDescription& source, const SystemDescription& target,
            std::shared_ptr<const HeightAnomalies> model)
     : sourceDescription(source),
       targetDescription(target),
       from(Side::source, sourceDescription, true),
       to(Side::target, targetDescription, true),
-      heightModel(model != nullptr ? std::move(model) : std::make_shared<const NoHeightModel>()) {}
+      heightModel(model != nullptr ? std::move(model)
+                                   : std::make_shared<const HeldHeightModel>(HeldHeightModel::Bytes{""})) {}
 
 CarriedPoint Road::carry(const Point& point, HeightFlags heights) const noexcept {
     CarriedPoint carried;
@@ -36,7 +23,8 @@ CarriedPoint Road::carry(const Point& point, HeightFlags heights) const noexcept
     if (heightFailed && to.kind != ProjectionKind::geocentric) {
         carried.hasPlace = true;
         if (carried.at[0] == 0.0 && carried.at[1] == 0.0 && carried.at[2] == 0.0) {
-            // Without a height model the road may end early; the place does not hang on it.
+            // Without a height model the road may end early; the place does not hang on it. If these zeros are a place,
+            // they come again.
             constexpr HeightFlags none = {.alsoUnasked = false};
             carried.hasPlace = transform_point(point, from, to, none, *heightModel, carried.at) == status::ok;
         }

@@ -64,15 +64,15 @@ bool Transformation::needs_height_model(const SystemDescription& source, const S
 const char* Transformation::contradiction(const SystemDescription& source, const SystemDescription& target,
                                           const TransformationOptions& how) noexcept {
     if (how.defaultHeight && !std::isfinite(*how.defaultHeight)) {
-        return "Die Höhe für Punkte ohne Höhe ist keine endliche Zahl";
+        return "defaultHeight ist keine endliche Zahl";
     }
     if (is_geocentric(target)) {
         return how.wanted == HeightWanted::normal
-                   ? "Für ein geozentrisches Ziel gibt es keine Normalhöhe allein"
+                   ? "heightWanted: für ein geozentrisches Ziel gibt es keine Normalhöhe allein"
                    : nullptr;
     }
     if (!is_geocentric(source) && how.given == HeightGiven::none && how.wanted != HeightWanted::none) {
-        return "Eine Höhe ist gewünscht, aber keine gegeben";
+        return "heightGiven und heightWanted: eine Höhe ist gewünscht, aber keine gegeben";
     }
     return nullptr;
 }

@@ -23,9 +23,9 @@ inline constexpr unsigned westernCodePage = 1252;
 // path are joined by backslashes. The handle is not inherited by child processes; what was found is a regular file;
 // nothing blocks or asks the user.
 //
-// Windows: whatever code page the host has set plays no part. POSIX: the backslash is a separator; when there is no such file, the last component is looked
-// up without regard to the case of ASCII letters (of several regular files the first in byte order), and last the path
-// is tried with its backslashes as ordinary characters.
+// Windows: whatever code page the host has set plays no part. POSIX: the backslash is a separator; when there is no
+// such file, the last component is looked up without regard to the case of ASCII letters (of several regular files the
+// first in byte order), and last the path is tried with its backslashes as ordinary characters.
 //
 // Given:    directory  empty, or with the backslash behind it
 //           name       of the file; both together less than pathSize characters
