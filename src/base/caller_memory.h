@@ -24,7 +24,8 @@ template <typename T, std::size_t N>
 // Sets the element of an array of T at index. T is named by the caller, so that no conversion goes unseen.
 template <typename T>
 void store(void* array, std::size_t index, std::type_identity_t<T> value) noexcept {
-    std::memcpy(static_cast<char*>(array) + index * sizeof(T), &value, sizeof(T));
+    constexpr std::size_t size = sizeof(T);  // NOLINT(bugprone-sizeof-expression): also of pointers
+    std::memcpy(static_cast<char*>(array) + index * size, &value, size);
 }
 
 template <typename T, std::size_t N>
