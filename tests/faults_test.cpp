@@ -214,11 +214,11 @@ class Faults : public ::testing::Test {
     // As transformation(), by what a directory holds.
     static Action held(const DataDirectory& in) {
         return [path = in.path()] {
-            const auto directory = open_directory(path);
-            if (directory.status != 0) {
-                return Outcome{directory.status};
+            const auto files = open_directory(path);
+            if (files.status != 0) {
+                return Outcome{files.status};
             }
-            const auto way = open_way(directory.handle, 17, 17, heights(0, LAGESTATUS_HEIGHT_BOTH));
+            const auto way = open_way(files.handle, 17, 17, heights(0, LAGESTATUS_HEIGHT_BOTH));
             const Carried each =
                 way.status == 0 ? carried(way.handle, {{51.3, 9.4, 100}})[0] : Carried{way.status};
             return Outcome{each.status, {each.at.begin(), each.at.end()}};
