@@ -8,8 +8,6 @@
 #include <tuple>
 
 #include "base/angles.h"
-#include "engine/side.h"
-#include "geodesy/datum_step.h"
 #include "geodesy/geocentric.h"
 #include "support.h"
 
