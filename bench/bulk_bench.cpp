@@ -130,6 +130,22 @@ void in_turn(benchmark::State& state, Ours ours, Theirs theirs) {
     state.counters["ratio"] = ourTime / theirTime;
 }
 
+// A transformation of blocks beside a call for each of their points.
+template <typename Call>
+void beside_calls(benchmark::State& state, const Transformation& transformation, const Points& points,
+                  Results& results, Call call) {
+    in_turn(
+        state,
+        [&](std::size_t at) {
+            benchmark::DoNotOptimize(carry(transformation, points, results, at, blockSize));
+        },
+        [&](std::size_t at) {
+            for (std::size_t i = at; i < at + blockSize; ++i) {
+                call(points[i]);
+            }
+        });
+}
+
 constexpr Road plain = {103, 203, LAGESTATUS_HEIGHT_ELLIPSOIDAL, LAGESTATUS_HEIGHT_ELLIPSOIDAL};
 constexpr Road bothHeights = {103, 203, LAGESTATUS_HEIGHT_ELLIPSOIDAL, LAGESTATUS_HEIGHT_BOTH};
 constexpr Road normalOutsideBessel = {203, 303, LAGESTATUS_HEIGHT_NORMAL, LAGESTATUS_HEIGHT_NORMAL};
@@ -156,17 +172,10 @@ void bulk_beside_transr_dll(benchmark::State& state, const Road& road, const Hel
         state.SkipWithError("the sample data cannot be read");
         return;
     }
-    in_turn(
-        state,
-        [&](std::size_t at) {
-            benchmark::DoNotOptimize(carry(transformation, points, results, at, blockSize));
-        },
-        [&](std::size_t at) {
-            for (std::size_t i = at; i < at + blockSize; ++i) {
-                benchmark::DoNotOptimize(held.call_transr_dll(points[i], result));
-                benchmark::DoNotOptimize(result);
-            }
-        });
+    beside_calls(state, transformation, points, results, [&](const auto& point) {
+        benchmark::DoNotOptimize(held.call_transr_dll(point, result));
+        benchmark::DoNotOptimize(result);
+    });
 }
 constexpr HeldDescriptions::System gaussKrueger = {u"dhdn-gauss-krueger", 103};
 constexpr HeldDescriptions::System utm = {u"etrs89-utm", 203};
@@ -210,16 +219,8 @@ void bulk_beside_proj(benchmark::State& state) {
         state.SkipWithError("the sample data cannot be read, or PROJ has no such operation");
         return;
     }
-    in_turn(
-        state,
-        [&](std::size_t at) {
-            benchmark::DoNotOptimize(carry(transformation, points, results, at, blockSize));
-        },
-        [&](std::size_t at) {
-            for (std::size_t i = at; i < at + blockSize; ++i) {
-                benchmark::DoNotOptimize(call_proj(operation.get(), points[i]));
-            }
-        });
+    beside_calls(state, transformation, points, results,
+                 [&](const auto& point) { benchmark::DoNotOptimize(call_proj(operation.get(), point)); });
 }
 BENCHMARK(bulk_beside_proj)->UseManualTime()->Unit(benchmark::kMicrosecond);
 

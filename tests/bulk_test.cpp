@@ -143,18 +143,33 @@ TEST(Bulk, RefusesWhatThereIsNot) {
     auto system = sized<lagestatus_system>();
     lagestatus_height_model model = {};
     const lagestatus_directory* const held = sample.handle.get();
-    for (const auto status :
-         {lagestatus_directory_open(nullptr, 0, &directory, nullptr),
-          lagestatus_directory_open(SAMPLE_DIR, 0, nullptr, nullptr),
-          lagestatus_directory_open(SAMPLE_DIR, 2, &directory, nullptr),
-          lagestatus_transformation_open(nullptr, 103, 203, nullptr, &way, nullptr),
-          lagestatus_transformation_open(held, 103, 203, nullptr, nullptr, nullptr),
-          lagestatus_directory_read(nullptr, 103, 0, nullptr),
-          lagestatus_directory_read(held, 103, 2, nullptr), lagestatus_directory_system(held, 0, &sizeless),
-          lagestatus_directory_system(held, 10, &system),
-          lagestatus_directory_height_model(held, &model, nullptr)}) {
+    const auto plain = open_way(sample.handle, 103, 203);
+    std::array<double, 8> n = {5.81e6, 3.56e6, 62, 5.82e6, 3.57e6, 62};
+    const std::array coordinates = {&n[0], &n[1], &n[2], &n[3]};
+    const std::array<std::ptrdiff_t, 4> heap = {24, 24, 0, 24};
+    const auto carry_two = [&](bool hasWay, bool hasInput, bool hasOutput) {
+        return lagestatus_transform(hasWay ? plain.handle.get() : nullptr, 2,
+                                    hasInput ? coordinates.data() : nullptr, nullptr,
+                                    hasOutput ? coordinates.data() : nullptr, heap.data(), nullptr, nullptr);
+    };
+    for (const std::int64_t status : std::initializer_list<std::int64_t>{
+             lagestatus_directory_open(nullptr, 0, &directory, nullptr),
+             lagestatus_directory_open(SAMPLE_DIR, 0, nullptr, nullptr),
+             lagestatus_directory_open(SAMPLE_DIR, 2, &directory, nullptr),
+             lagestatus_transformation_open(nullptr, 103, 203, nullptr, &way, nullptr),
+             lagestatus_transformation_open(held, 103, 203, nullptr, nullptr, nullptr),
+             lagestatus_directory_read(nullptr, 103, 0, nullptr),
+             lagestatus_directory_read(held, 103, 2, nullptr),
+             lagestatus_directory_system(held, 0, &sizeless), lagestatus_directory_system(held, 10, &system),
+             lagestatus_directory_system(held, 0, nullptr),
+             lagestatus_directory_height_model(held, &model, nullptr),
+             lagestatus_directory_height_model(nullptr, nullptr, nullptr), carry_two(true, true, true),
+             carry_two(false, true, true), carry_two(true, false, true), carry_two(true, true, false)}) {
         EXPECT_EQ(status, LAGESTATUS_ARGUMENT);
     }
+    EXPECT_EQ(n[3], 5.82e6);
+    EXPECT_GT(lagestatus_message(93, nullptr, nullptr, 0), 0U);
+    EXPECT_EQ(lagestatus_message(-4, nullptr, nullptr, 0), 0U);
     EXPECT_EQ(lagestatus_directory_count(nullptr), 0U);
     lagestatus_directory_close(nullptr);
     lagestatus_transformation_close(nullptr);
@@ -204,6 +219,9 @@ TEST(Bulk, LeavesNothingBehind) {
     for (int round = 0; round < 10000; ++round) {
         auto directory = open_directory(small.path());
         const auto way = open_way(directory.handle, 17, 17, heights(0, LAGESTATUS_HEIGHT_BOTH));
+        auto model = sized<lagestatus_height_model>();
+        ASSERT_EQ(lagestatus_directory_height_model(directory.handle.get(), &model, nullptr), 0);
+        ASSERT_GT(model.memory, 8 * model.values);
         directory.handle.reset();  // which the transformation outlives
         ASSERT_EQ(carried(way.handle, {{51.4, 9.3, 100}})[0].status, 0);
     }
@@ -233,14 +251,17 @@ TEST(Bulk, BearsThatMemoryIsLacking) {
             const std::ptrdiff_t before = blocksHeld;
             lagestatus_directory* directory = nullptr;
             lagestatus_transformation* way = nullptr;
-            newsLeft = at;
-            int status = lagestatus_directory_open(path.c_str(), flags, &directory, nullptr);
-            const auto open = [&] {
-                return lagestatus_transformation_open(directory, 17, 17, &both, &way, nullptr);
+            const auto open = [&](lagestatus_failure* failure = nullptr) {
+                return lagestatus_transformation_open(directory, 17, 17, &both, &way, failure);
             };
-            status = status == 0 ? open() : status;
-            struck = newsLeft > never / 2;  // it was counted past 0
-            newsLeft = never;
+            const int status = told([&](lagestatus_failure* failure) {
+                newsLeft = at;
+                int reached = lagestatus_directory_open(path.c_str(), flags, &directory, failure);
+                reached = reached == 0 ? open(failure) : reached;
+                struck = newsLeft > never / 2;  // it was counted past 0
+                newsLeft = never;
+                return reached;
+            });
             // A request that need not be met fails unnoticed: vectors that give back what they do not use.
             EXPECT_TRUE(status == 0 || (struck && status == LAGESTATUS_MEMORY)) << status;
             EXPECT_EQ(way == nullptr, status != 0);

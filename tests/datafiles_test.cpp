@@ -104,6 +104,11 @@ TEST(LineReader, CountsTheLinesOfTheFile) {
         EXPECT_EQ(reader.last_overlong(), overlong);
     }
     EXPECT_EQ(reader.next(), 100);
+    EXPECT_FALSE(reader.failed());
+    LineReader cut("0\nfirst\n", true);
+    EXPECT_EQ(cut.read_key() + cut.next(), 0);
+    EXPECT_EQ(cut.next(), 100);
+    EXPECT_TRUE(cut.failed());
 }
 
 TEST(DataFile, TakesDirectoriesInEveryForm) {

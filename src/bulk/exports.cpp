@@ -109,7 +109,7 @@ Status guarded(lagestatus_failure* told, Work work) noexcept {
 // Whether a caller's structure has the members of this version.
 template <typename Structure>
 bool has_size(const Structure* structure) noexcept {
-    return structure != nullptr && load<std::size_t>(structure) >= sizeof(Structure);
+    return load<std::size_t>(structure) >= sizeof(Structure);
 }
 
 // Fills a caller's structure, which may have more members than this version knows, and keeps its size.
@@ -195,7 +195,7 @@ GivenOptions read_options(const lagestatus_options* given) noexcept {
 }
 
 // The numbers of the interface are those inside.
-constexpr bool is_same(auto inside, int outside) {
+consteval bool is_same(auto inside, int outside) {
     return static_cast<int>(inside) == outside;
 }
 static_assert(is_same(ProjectionKind::unknown, LAGESTATUS_KIND_UNKNOWN) &&
@@ -293,7 +293,7 @@ size_t lagestatus_directory_count(const lagestatus_directory* directory) {
 
 int lagestatus_directory_system(const lagestatus_directory* directory, size_t index,
                                 lagestatus_system* system) {
-    if (index >= lagestatus_directory_count(directory) || !has_size(system)) {
+    if (index >= lagestatus_directory_count(directory) || system == nullptr || !has_size(system)) {
         return LAGESTATUS_ARGUMENT;
     }
     return guarded(nullptr, [=] {

@@ -110,14 +110,8 @@ Status HeldHeightModel::at(const Geocentric& point, Found& found) const noexcept
     if (read != status::ok) {
         return status::heightModel + read;
     }
-    Geographic onBessel;
-    if (const Status converted = geocentric_to_geographic(model.bessel, point, onBessel);
-        converted != status::ok) {
-        return converted;
-    }
-    found = {onBessel};
-    found.status = anomaly(onBessel.lam, onBessel.phi, found.zeta);
-    return status::ok;
+    return find_on(model.bessel, point, found,
+                   [this](double lam, double phi, double& zeta) { return anomaly(lam, phi, zeta); });
 }
 
 Status HeldHeightModel::anomaly(double lam, double phi, double& zeta) const noexcept {

@@ -15,7 +15,8 @@
  * Exceptions
  *   Error                  a status of the library other than 0 and LAGESTATUS_MEMORY
  *   std::bad_alloc         no memory
- *   std::invalid_argument  columns of different lengths, and other arguments that this header itself refuses
+ *   std::invalid_argument  columns that are missing or of different lengths, and other arguments that this header itself
+ *                          refuses
  *   std::out_of_range      the number of a system that there is not
  *
  * Threads
@@ -111,16 +112,6 @@ inline void check(int status, const lagestatus_failure& failure) {
     }
 }
 
-// Of a function that tells nothing but its status.
-inline void check(int status) {
-    if (status != 0) {
-        lagestatus_failure failure = {};
-        failure.status = status;
-        lagestatus_message(status, nullptr, failure.message, sizeof(failure.message));
-        check(status, failure);
-    }
-}
-
 // The library reads and writes C strings: a zero byte within would cut a path.
 inline const char* whole(const std::string& path) {
     if (path.find('\0') != std::string::npos) {
@@ -184,12 +175,13 @@ class Directory {
     // Takes a number below size(). Returns that system, also where its file has faults (see its statuses). Throws
     // std::out_of_range, std::bad_alloc.
     [[nodiscard]] System system(std::size_t index) const {
-        if (index >= size()) {
-            throw std::out_of_range("lagestatus: there is no system of this number");
-        }
         lagestatus_system told = {};
         told.size = sizeof(told);
-        detail::check(lagestatus_directory_system(handle.get(), index, &told));
+        const int status = lagestatus_directory_system(handle.get(), index, &told);
+        if (status == LAGESTATUS_ARGUMENT) {
+            throw std::out_of_range("lagestatus: there is no system of this number");
+        }
+        detail::check(status, {});
         System system;
         system.code = told.code;
         if (told.auxiliary != -1) {
@@ -296,8 +288,10 @@ class Column {
     // Takes where the first value lies, how many there are, and the bytes from one to the next; may be negative, or 0
     // for one value that all points share, which cannot be written to. Throws std::invalid_argument for that.
     static constexpr Column strided(Value* firstValue, std::size_t size, std::ptrdiff_t bytes) {
-        if (bytes == 0 && !std::is_const_v<Value> && size > 1) {
-            throw std::invalid_argument("lagestatus: one place for the results of many points");
+        if constexpr (!std::is_const_v<Value>) {
+            if (bytes == 0 && size > 1) {
+                throw std::invalid_argument("lagestatus: one place for the results of many points");
+            }
         }
         Column column(std::span<Value>(firstValue, size));
         column.distance = bytes;
@@ -365,17 +359,18 @@ class Transformation {
 
     // Takes the columns of the points and those for the results, and where each point's status goes, if that is wanted.
     // Returns how many failed; a point that fails throws nothing. Throws std::invalid_argument, with nothing written,
-    // for columns of different lengths; Error for a column that the options ask for and that is missing (not found
-    // out where there are no points).
+    // for columns of different lengths, and for a column that the options ask for and that is missing (not found out
+    // where there are no points).
     Outcome transform(const Input& input, const Output& output, std::span<int> statuses = {}) const {
         const std::size_t count = input.first.size();
-        const auto fits = [count](const auto& column) {
-            return !column.is_given() || column.size() == count;
-        };
-        if (!input.first.is_given() || !fits(input.second) || !fits(input.height) || !fits(output.first) ||
-            !fits(output.second) || !fits(output.height) || !fits(output.normalHeight) ||
-            (statuses.data() != nullptr && statuses.size() != count)) {
-            throw std::invalid_argument("lagestatus: columns of different lengths");
+        const auto length = [count](const auto& column) { return column.is_given() ? column.size() : count; };
+        for (const std::size_t each :
+             {length(input.second), length(input.height), length(output.first), length(output.second),
+              length(output.height), length(output.normalHeight),
+              statuses.data() != nullptr ? statuses.size() : count}) {
+            if (each != count) {
+                throw std::invalid_argument("lagestatus: columns of different lengths");
+            }
         }
         Outcome outcome;
         if (count == 0) {  // the columns of no points have no place
@@ -390,7 +385,7 @@ class Transformation {
         const std::int64_t failed = lagestatus_transform(handle.get(), count, given, from, wanted, to,
                                                          statuses.data(), &outcome.defaulted);
         if (failed < 0) {
-            detail::check(static_cast<int>(failed));
+            throw std::invalid_argument("lagestatus: a column is missing that the options ask for");
         }
         outcome.failures = static_cast<std::size_t>(failed);
         return outcome;

@@ -5,6 +5,7 @@
 #include "bulk/held_height_model.h"
 
 namespace lagestatus {
+
 Road::Road(const SystemDescription& source, const SystemDescription& target,
            std::shared_ptr<const HeightAnomalies> model)
     : sourceDescription(source),

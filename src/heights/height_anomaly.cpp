@@ -155,14 +155,9 @@ Status StreamedHeightModel::at(const Geocentric& point, Found& found) const noex
     if (read != status::ok) {
         return status::heightModel + read;
     }
-    Geographic onBessel;
-    if (const Status converted = geocentric_to_geographic(model.bessel, point, onBessel);
-        converted != status::ok) {
-        return converted;
-    }
-    found = {onBessel};
-    found.status = read_height_anomaly(file, model, onBessel.lam, onBessel.phi, found.zeta);
-    return status::ok;
+    return find_on(model.bessel, point, found, [&](double lam, double phi, double& zeta) {
+        return read_height_anomaly(file, model, lam, phi, zeta);
+    });
 }
 
 }  // namespace lagestatus

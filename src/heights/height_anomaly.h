@@ -49,6 +49,19 @@ class HeightAnomalies {
   protected:
     HeightAnomalies() noexcept = default;
     ~HeightAnomalies() = default;
+
+    // What at() has to do once the semi-axes are read. anomaly gives the status and the height anomaly for lam, phi.
+    template <typename Anomaly>
+    static Status find_on(const Ellipsoid& bessel, const Geocentric& point, Found& found,
+                          Anomaly anomaly) noexcept {
+        Geographic onBessel;
+        const Status converted = geocentric_to_geographic(bessel, point, onBessel);
+        if (converted == status::ok) {
+            found = {onBessel};
+            found.status = anomaly(onBessel.lam, onBessel.phi, found.zeta);
+        }
+        return converted;
+    }
 };
 
 // From hoehe.ini of a directory, which lies there at each call as it may: nothing is kept, and the file is read up to
