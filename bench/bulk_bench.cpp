@@ -17,48 +17,12 @@
 #include <utility>
 #include <vector>
 
+#include "bulk_support.h"
 #include "lagestatus.h"
-#include "support.h"
 
 namespace {
 
 using namespace bench;
-
-struct Close {
-    void operator()(lagestatus_directory* directory) const { lagestatus_directory_close(directory); }
-    void operator()(lagestatus_transformation* transformation) const {
-        lagestatus_transformation_close(transformation);
-    }
-};
-using Directory = std::unique_ptr<lagestatus_directory, Close>;
-using Transformation = std::unique_ptr<lagestatus_transformation, Close>;
-
-Directory open_directory(const std::string& path) {
-    lagestatus_directory* directory = nullptr;
-    lagestatus_directory_open(path.c_str(), 0, &directory, nullptr);
-    return Directory(directory);
-}
-
-struct Road {
-    int from;
-    int to;
-    int heightGiven;
-    int heightWanted;
-};
-
-Transformation open_transformation(const char* path, const Road& road) {
-    const Directory directory = open_directory(path);
-    lagestatus_options options = {};
-    options.size = sizeof(options);
-    options.heightGiven = road.heightGiven;
-    options.heightWanted = road.heightWanted;
-    lagestatus_transformation* transformation = nullptr;
-    if (directory) {
-        lagestatus_transformation_open(directory.get(), road.from, road.to, &options, &transformation,
-                                       nullptr);
-    }
-    return Transformation(transformation);
-}
 
 using Points = std::vector<std::array<double, 3>>;
 using Results = std::vector<std::array<double, 4>>;

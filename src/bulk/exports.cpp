@@ -179,14 +179,12 @@ GivenOptions read_options(const lagestatus_options* given) noexcept {
             return refused(reason);
         }
     }
-    if (values.calculation == LAGESTATUS_FAST) {
-        return {{}, LAGESTATUS_UNAVAILABLE, "Diese Version hat die schnelle Berechnung nicht"};
-    }
     GivenOptions read;
     read.options = {static_cast<HeightGiven>(values.heightGiven),
                     static_cast<HeightWanted>(values.heightWanted),
                     values.sourceAxes == LAGESTATUS_AXES_EASTING_FIRST,
                     values.targetAxes == LAGESTATUS_AXES_EASTING_FIRST,
+                    values.calculation == LAGESTATUS_FAST,
                     {}};
     if (values.hasDefaultHeight != 0) {
         read.options.defaultHeight = values.defaultHeight;

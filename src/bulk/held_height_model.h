@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,6 +43,8 @@ class HeldHeightModel final : public HeightAnomalies {
 
     // The head, complete without a defect.
     [[nodiscard]] const HeightModel& header() const noexcept { return model; }
+    // The values of the grid, as long as the model lives; NaN where there is none, or where it takes at() to tell.
+    [[nodiscard]] std::span<const double> grid() const noexcept { return values; }
     // How many values the lines of the grid have places for, and how many bytes all of it takes.
     [[nodiscard]] std::size_t count() const noexcept { return values.size(); }
     [[nodiscard]] std::size_t memory() const noexcept;

@@ -36,6 +36,9 @@ class Road {
     // is geocentric, where all hangs on the height.
     [[nodiscard]] CarriedPoint carry(const Point& point, HeightFlags heights) const noexcept;
 
+    [[nodiscard]] const Side& source() const noexcept { return from; }
+    [[nodiscard]] const Side& target() const noexcept { return to; }
+
   private:
     SystemDescription sourceDescription;
     SystemDescription targetDescription;

@@ -1,5 +1,6 @@
 #include "bulk/transformation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -42,6 +43,13 @@ bool wants_normal(HeightWanted wanted) noexcept {
     return wanted == HeightWanted::normal || wanted == HeightWanted::both;
 }
 
+// The part of a held model that the fast calculation looks at: none if its head cannot be read.
+fast::HeldHeights held(const HeldHeightModel* model) noexcept {
+    return model != nullptr && model->defect().status == status::ok && model->count() > 0
+               ? fast::HeldHeights{&model->header(), model->grid()}
+               : fast::HeldHeights{};
+}
+
 // What the heights are on the road of every point.
 HeightFlags flags_of(bool sourceGeocentric, bool targetGeocentric,
                      const TransformationOptions& how) noexcept {
@@ -78,12 +86,14 @@ const char* Transformation::contradiction(const SystemDescription& source, const
 }
 
 Transformation::Transformation(const SystemDescription& source, const SystemDescription& target,
-                               const TransformationOptions& how, std::shared_ptr<const HeightAnomalies> model)
+                               const TransformationOptions& how, std::shared_ptr<const HeldHeightModel> model)
     : options(how),
-      road(source, target, std::move(model)),
+      road(source, target, model),
       sourceGeocentric(is_geocentric(source)),
       targetGeocentric(is_geocentric(target)),
-      flags(flags_of(sourceGeocentric, targetGeocentric, how)) {}
+      flags(flags_of(sourceGeocentric, targetGeocentric, how)),
+      fastRoad(how.fast ? fast::FastRoad(road.source(), road.target(), flags, held(model.get()))
+                        : fast::FastRoad()) {}
 
 bool Transformation::needs_third_input() const noexcept {
     return sourceGeocentric || options.given != HeightGiven::none;
@@ -97,42 +107,72 @@ bool Transformation::has_normal_output() const noexcept {
     return wants_normal(options.wanted);
 }
 
+Point Transformation::read_point(Work& work, std::size_t number) const noexcept {
+    const double notRead = options.defaultHeight ? none : 0.0;
+    Point point = {read(work.input[0], number), read(work.input[1], number),
+                   needs_third_input() ? read(work.input[2], number) : notRead};
+    if (options.sourceEastingFirst && !sourceGeocentric) {
+        std::swap(point[0], point[1]);
+    }
+    if (std::isnan(point[2]) && !sourceGeocentric && options.defaultHeight) {
+        point[2] = *options.defaultHeight;
+        ++work.outcome.defaulted;
+    }
+    return point;
+}
+
+void Transformation::write_point(Work& work, std::size_t number, const CarriedPoint& carried) const noexcept {
+    double first = carried.hasPlace ? carried.at[0] : none;
+    double second = carried.hasPlace ? carried.at[1] : none;
+    if (options.targetEastingFirst && !targetGeocentric) {
+        std::swap(first, second);
+    }
+    write(work.output[0], number, first);
+    write(work.output[1], number, second);
+    write(work.output[2], number, has_third_output() && carried.hasHeight ? carried.at[2] : none);
+    write(work.output[3], number, has_normal_output() && carried.hasNormal ? carried.at[3] : none);
+    if (work.statuses != nullptr) {
+        store<int>(work.statuses, number, carried.status);
+    }
+    work.outcome.failures += carried.status == status::ok ? 0 : 1;
+}
+
+// Points that the fast road leaves alone take the reference road.
+void Transformation::carry_block(Work& work, std::size_t first, int count,
+                                 fast::Block& block) const noexcept {
+    auto& [northings, eastings, heights] = block.given;
+    for (int i = 0; i < count; ++i) {
+        const Point point = read_point(work, first + static_cast<std::size_t>(i));
+        northings[i] = point[0];
+        eastings[i] = point[1];
+        heights[i] = point[2];
+    }
+    fastRoad.carry(block, count);
+    for (int i = 0; i < count; ++i) {
+        const auto& [x, y, z] = block.reached;
+        write_point(work, first + static_cast<std::size_t>(i),
+                    block.outside[i] == 0.0
+                        ? CarriedPoint{status::ok, {x[i], y[i], z[i], block.normal[i]}, true, true, true}
+                        : road.carry({northings[i], eastings[i], heights[i]}, flags));
+    }
+}
+
 Transformation::Outcome Transformation::carry(std::size_t count, const std::array<InputColumn, 3>& input,
                                               const std::array<OutputColumn, 4>& output,
                                               int* statuses) const noexcept {
-    const bool readsThird = needs_third_input();
-    const bool writesThird = has_third_output();
-    const bool writesNormal = has_normal_output();
-    const bool swapsInput = options.sourceEastingFirst && !sourceGeocentric;
-    const bool swapsOutput = options.targetEastingFirst && !targetGeocentric;
-    const double notRead = options.defaultHeight ? none : 0.0;
-    Outcome outcome;
-    for (std::size_t number = 0; number < count; ++number) {
-        Point point = {read(input[0], number), read(input[1], number),
-                       readsThird ? read(input[2], number) : notRead};
-        if (swapsInput) {
-            std::swap(point[0], point[1]);
+    Work work = {input, output, statuses, {}};
+    if (!fastRoad.serves()) {
+        for (std::size_t number = 0; number < count; ++number) {
+            write_point(work, number, road.carry(read_point(work, number), flags));
         }
-        if (std::isnan(point[2]) && !sourceGeocentric && options.defaultHeight) {
-            point[2] = *options.defaultHeight;
-            ++outcome.defaulted;
-        }
-        const CarriedPoint carried = road.carry(point, flags);
-        double first = carried.hasPlace ? carried.at[0] : none;
-        double second = carried.hasPlace ? carried.at[1] : none;
-        if (swapsOutput) {
-            std::swap(first, second);
-        }
-        write(output[0], number, first);
-        write(output[1], number, second);
-        write(output[2], number, writesThird && carried.hasHeight ? carried.at[2] : none);
-        write(output[3], number, writesNormal && carried.hasNormal ? carried.at[3] : none);
-        if (statuses != nullptr) {
-            store<int>(statuses, number, carried.status);
-        }
-        outcome.failures += carried.status == status::ok ? 0 : 1;
+        return work.outcome;
     }
-    return outcome;
+    fast::Block block;
+    for (std::size_t first = 0; first < count; first += fast::blockSize) {
+        carry_block(work, first, static_cast<int>(std::min<std::size_t>(count - first, fast::blockSize)),
+                    block);
+    }
+    return work.outcome;
 }
 
 }  // namespace lagestatus

@@ -8,7 +8,9 @@
 #include <optional>
 
 #include "base/system_description.h"
+#include "bulk/held_height_model.h"
 #include "bulk/road.h"
+#include "fast/fast_road.h"
 #include "heights/height_anomaly.h"
 
 namespace lagestatus {
@@ -21,6 +23,7 @@ struct TransformationOptions {
     HeightWanted wanted = HeightWanted::ellipsoidal;
     bool sourceEastingFirst = false;  // nothing to geocentric systems
     bool targetEastingFirst = false;
+    bool fast = false;
     std::optional<double> defaultHeight;
 };
 
@@ -37,7 +40,7 @@ class Transformation {
   public:
     // The height model is needed where needs_height_model says so.
     Transformation(const SystemDescription& source, const SystemDescription& target,
-                   const TransformationOptions& how, std::shared_ptr<const HeightAnomalies> model);
+                   const TransformationOptions& how, std::shared_ptr<const HeldHeightModel> model);
 
     // Whether normal heights play a part on the way between two systems. What is wrong with the options for them: null,
     // or a German sentence.
@@ -62,11 +65,23 @@ class Transformation {
                   const std::array<OutputColumn, 4>& output, int* statuses) const noexcept;
 
   private:
+    // The caller's columns, and what was counted of them.
+    struct Work {
+        const std::array<InputColumn, 3>& input;
+        const std::array<OutputColumn, 4>& output;
+        int* statuses;
+        Outcome outcome;
+    };
+    [[nodiscard]] Point read_point(Work& work, std::size_t number) const noexcept;
+    void write_point(Work& work, std::size_t number, const CarriedPoint& carried) const noexcept;
+    void carry_block(Work& work, std::size_t first, int count, fast::Block& block) const noexcept;
+
     TransformationOptions options;
     Road road;
     bool sourceGeocentric;
     bool targetGeocentric;
     HeightFlags flags;
+    fast::FastRoad fastRoad;
 };
 
 }  // namespace lagestatus

@@ -9,7 +9,6 @@
 #include "geodesy/plane_reductions.h"
 
 namespace lagestatus {
-namespace {
 
 bool has_similarity(Parameters p) noexcept {
     return p[slot::planeRotation] != 0.0 || p[slot::shiftY] != 0.0 || p[slot::shiftX] != 0.0 ||
@@ -19,6 +18,8 @@ bool has_similarity(Parameters p) noexcept {
 bool has_scale(Parameters p) noexcept {
     return p[slot::planeScale] != 1.0;
 }
+
+namespace {
 
 double without_complement(double value, double d) noexcept {
     return d != 0.0 && value > d * 0.5 ? value - d : value;

@@ -7,6 +7,10 @@
 
 namespace lagestatus {
 
+// Whether there is a similarity, or a scale.
+[[nodiscard]] bool has_similarity(Parameters parameters) noexcept;
+[[nodiscard]] bool has_scale(Parameters parameters) noexcept;
+
 // Whether more lies between than the additive constants: scale, complement or similarity.
 [[nodiscard]] bool has_more_than_constants(Parameters parameters) noexcept;
 
