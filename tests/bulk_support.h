@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <random>
 
 #include "bulk/lagestatus_bulk.h"
 #include "support.h"
@@ -117,6 +118,30 @@ inline std::vector<Carried> carried(const HeldWay& way, const Points& points) {
         all[number].status = status[number];
         all[number].defaulted = defaulted;
     }
+    return all;
+}
+
+// The systems of the sample.
+inline constexpr std::array codes = {101, 102, 103, 104, 105, 201, 202, 203, 301, 303};
+
+// Of one system of the sample: inside its height model and around, anywhere, and what is no place.
+inline Points places(const HeldDirectory& sample, int code, std::mt19937& random) {
+    std::uniform_real_distribution<double> share(-1, 1);
+    Points all;
+    for (const double around : {0.6, 0.6, 80.0, 0.6, 0.6, 80.0}) {  // degrees
+        all.push_back(
+            {51.5 + around / 2 * share(random), 9.5 + around * share(random), 4000 * share(random)});
+    }
+    for (std::size_t number = 0; const Carried& one : carried(open_way(sample, 101, code).handle, all)) {
+        if (one.status == 0) {
+            std::copy_n(one.at.begin(), 3, all[number].begin());
+        }
+        ++number;
+    }
+    const std::array odd = {notANumber, infinity, -infinity, 1e300, -1e7, 1e-310, 0.0};
+    all.push_back({0, 0, 0});
+    all.push_back(all[1]);
+    all.back()[random() % 3] = odd[random() % odd.size()];
     return all;
 }
 

@@ -13,6 +13,7 @@
 namespace lagestatus::fast {
 
 inline constexpr double mostSigma = 0.6;  // 34 degrees beside the meridian
+inline constexpr double leastSine = 1e-9;  // of the latitude: 6 mm
 
 // The series of one geodesic.
 template <typename Real>
@@ -101,14 +102,16 @@ template <typename Real>
         Real tangent;
     };
     // One of Newton's steps; the derivative of the leading term, f A3 sigma cos beta1.
-    const auto corrected = [&series](const Triangle& at, const Real& more, const Real& found) {
+    const auto corrected = [&series](const Triangle& at, const Real& more,
+                                     const Real& found) __attribute__((always_inline)) {
         const Real slope = series.f * (at.beta1.cosine * at.beta1.cosine -
                                        at.arcOfSigma * at.tangent * (at.beta1.sine * at.beta1.sine));
         return more + (found - more) * (1.0 + slope * (1.0 + slope));
     };
     const Triangle first(beta, dLam);
+    // On the equator the reference calculation has no footpoint.
     inside = (magnitude(first.sigma.sine) < 0.5) & (dLam.cosine > leastCosine) &
-             (phi.cosine > leastCosineOfLatitude);
+             (phi.cosine > leastCosineOfLatitude) & (magnitude(phi.sine) > leastSine);
     Real more = corrected(first, 0.0, series.f * first.beta1.cosine * first.arcOfSigma);
     Triangle at = first;
     for (int step = 0; step < 2; ++step) {
