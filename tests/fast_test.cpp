@@ -1,4 +1,4 @@
-// The fast calculation gives the same bits on every machine: digests of its results, beside those in the tree.
+// The fast calculation: beside the reference calculation everywhere, and beside its own bits of every other machine.
 #include <bit>
 #include <cstdlib>
 
@@ -16,7 +16,7 @@ std::uint64_t mixed(std::uint64_t bits) {
 }
 
 // Places in ETRS89 where the sample has heights, made of integers: the same on every machine.
-Points places(std::uint64_t first, std::size_t count) {
+Points places_in_germany(std::uint64_t first, std::size_t count) {
     Points all(count);
     const auto share = [&first] {
         return static_cast<double>(mixed(first += 0x9E3779B97F4A7C15U) >> 11U) * 0x1p-53;
@@ -35,6 +35,101 @@ lagestatus_options fast(int given, int wanted) {
     return options;
 }
 
+struct Way {
+    int to;
+    int given;
+    int wanted;
+};
+std::vector<Way> every_way() {
+    std::vector<Way> all;
+    for (const int to : codes) {
+        for (int way = 0; way < 12; ++way) {
+            all.push_back({to, way / 4, way % 4});
+        }
+    }
+    return all;
+}
+
+// Places in Bessel's degrees on and beside all borders that the reference calculation decides by: of strips of both
+// widths, and of the height model's cells and its edges.
+Points borders(const HeldDirectory& sample) {
+    auto model = sized<lagestatus_height_model>();
+    EXPECT_EQ(lagestatus_directory_height_model(sample.get(), &model, nullptr), 0);
+    const double inRow = model.south + 17.3 * model.rowSpacing;
+    const double inColumn = model.west + 23.4 * model.columnSpacing;
+    Points all;
+    for (const double beside :
+         {0.0, 1e-13, 1e-12, 1e-10, 2.9e-10, 3.1e-10, 1e-9, 1e-8}) {  // degrees; 0.1 um is 1e-12
+        for (const double side : {-beside, beside}) {
+            for (const double lam :
+                 {7.5, 10.5, 12.0, model.west, model.east, model.west + 9 * model.columnSpacing}) {
+                all.push_back({inRow, lam + side, 100.0});
+            }
+            for (const double phi : {model.south, model.north, model.south + 9 * model.rowSpacing}) {
+                all.push_back({phi + side, inColumn, 100.0});
+            }
+            all.push_back({model.south + 9 * model.rowSpacing + side,
+                           model.west + 9 * model.columnSpacing + side, 100.0});
+        }
+    }
+    return all;
+}
+
+// Every pair of systems and every choice of heights. In the area the differences are the errors of the reference
+// calculation: its latitudes from geocentric coordinates and from plane ones; anywhere else only what there is counts.
+TEST(Fast, StaysBesideTheReferenceEverywhere) {
+    constexpr double tolPlace = 3e-6;    // metres
+    constexpr double tolSoldner = 3e-4;  // metres: an arc cosine beside the meridian
+    constexpr double tolAnomaly = 1e-9;  // metres, where both look it up at the same place
+    constexpr double leastChanged =
+        0.8;  // of the results in the area: the others come from the reference road
+    const auto sample = open_directory(SAMPLE_DIR);
+    std::mt19937 random(17);
+    std::size_t inArea = 0, changed = 0;
+    for (const int from : codes) {
+        Points points;
+        for (int rounds = 0; rounds < 12; ++rounds) {
+            std::ranges::copy(places(sample.handle, from, random), std::back_inserter(points));
+        }
+        const std::size_t random8 = points.size();
+        for (const Carried& one :
+             carried(open_way(sample.handle, 101, from).handle, borders(sample.handle))) {
+            points.push_back({one.at[0], one.at[1], one.at[2]});
+        }
+        const std::array besselCodes = {101, 103, 104, 105};
+        for (const auto& [to, given, wanted] : every_way()) {
+            SCOPED_TRACE(::testing::Message() << from << " to " << to << ", " << given << ", " << wanted);
+            const auto reference = open_way(sample.handle, from, to, heights(given, wanted));
+            const auto way = open_way(sample.handle, from, to, fast(given, wanted));
+            ASSERT_EQ(way.status, reference.status);
+            if (way.status != 0) {
+                continue;
+            }
+            const double tolPlane = from == 105 || to == 105 ? tolSoldner : tolPlace;
+            const bool looksUpOnce =
+                given == LAGESTATUS_HEIGHT_ELLIPSOIDAL && std::ranges::count(besselCodes, from) > 0;
+            const auto right = carried(reference.handle, points), got = carried(way.handle, points);
+            for (std::size_t number = 0; number < points.size(); ++number) {
+                SCOPED_TRACE(::testing::PrintToString(points[number]));
+                ASSERT_EQ(got[number].status, right[number].status);
+                const bool beside = number >= random8 || number % 8 < 2 || number % 8 == 3 || number % 8 == 4;
+                const auto perUnit = metres_per_unit(to, right[number].at[0]);
+                for (std::size_t k = 0; k < 4; ++k) {
+                    const double difference = got[number].at[k] - right[number].at[k];
+                    ASSERT_EQ(std::isnan(got[number].at[k]), std::isnan(right[number].at[k])) << k;
+                    if (beside && !std::isnan(difference)) {
+                        const double tol = k < 2 ? tolPlane : k == 3 && looksUpOnce ? tolAnomaly : tolPlace;
+                        EXPECT_LE(std::fabs(difference) * (k < 3 ? perUnit[k] : 1.0), tol) << k;
+                    }
+                }
+                inArea += number < random8 && beside ? 1 : 0;
+                changed += number < random8 && beside && got[number] != right[number] ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GE(static_cast<double>(changed), leastChanged * static_cast<double>(inArea));
+}
+
 // LAGESTATUS_POINTS asks for as many points a road as the second digest of a row is made of, a million.
 TEST(Fast, HasTheSameBitsEverywhere) {
     constexpr std::size_t some = 10000, all = 1000000, block = 1000;
@@ -48,7 +143,7 @@ TEST(Fast, HasTheSameBitsEverywhere) {
         const auto way = open_way(sample.handle, number(0), number(1), fast(number(2), number(3)));
         std::uint64_t digest = 0;
         for (std::size_t done = 0; done < count; done += block) {
-            Points points = places(done, block);
+            Points points = places_in_germany(done, block);
             for (std::size_t i = 0; const Carried& one : carried(toSource.handle, points)) {
                 std::copy_n(one.at.begin(), 3, points[i++].begin());
             }

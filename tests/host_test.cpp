@@ -65,8 +65,11 @@ std::vector<std::uint64_t> everything(const Calls& calls) {
         keep_transformed(code, next, place, 'n');
         const Points points = {place, {notANumber, place[1], infinity}};
         keep_transformed(code, next, points[1], 'n');
-        const auto own = open_way(calls.directory.handle, code, next, heights(0, LAGESTATUS_HEIGHT_BOTH));
-        for (const HeldWay* way : {&own.handle, &calls.way.handle}) {
+        auto options = heights(0, LAGESTATUS_HEIGHT_BOTH);
+        const auto own = open_way(calls.directory.handle, code, next, options);
+        options.calculation = LAGESTATUS_FAST;
+        const auto fast = open_way(calls.directory.handle, code, next, options);
+        for (const HeldWay* way : {&own.handle, &fast.handle, &calls.way.handle}) {
             for (const Carried& each : carried(*way, points)) {
                 keep(each.status, each.at);
             }

@@ -66,7 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     lagestatus_options options = heights(given, wanted);
     options.sourceAxes = pick(2);
     options.targetAxes = pick(2);
-    options.calculation = pick(1);
+    options.calculation = pick(2);
     options.hasDefaultHeight = pick(2);
     options.defaultHeight = input.take<std::int16_t>() == -1 ? infinity : 40.0;
     const auto fromEntry = input.take<std::uint8_t>(), toEntry = input.take<std::uint8_t>();
