@@ -5,7 +5,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 buildPackages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 testPackages=(libgtest-dev 'libgeographiclib-dev|libgeographic-dev' pkg-config locales python3)
-checkPackages=(clang-format clang-tidy python3 proj-bin groff-base shellcheck zsh fish)
+checkPackages=(clang-format clang-tidy python3 python3-mpmath proj-bin groff-base shellcheck zsh fish)
 windowsPackages=(g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev clang lld clang-tidy locales python3)
 machinePackages=(clang g++-aarch64-linux-gnu qemu-user-static googletest dpkg-dev)
 examplePackages=(mono-mcs mono-runtime fp-compiler fp-units-rtl python3)

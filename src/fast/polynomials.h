@@ -5,32 +5,62 @@ namespace lagestatus::fast {
 
 // Each stands for the rest of a function behind its leading terms, in the square of the argument, the lowest power
 // first. The error is that of the fit, absolute, with the power that the rest is multiplied by.
+// clang-format off
 
 // sin x = x + x^3 P(x^2) for |x| <= pi / 4, within 5.6e-21.
-inline constexpr double sineRest[7] = {-0x1.5555555555555p-3, 0x1.1111111111110p-7,   -0x1.a01a01a019938p-13,
-                                       0x1.71de3a546095bp-19, -0x1.ae645412c560cp-26, 0x1.61217f0b800d5p-33,
-                                       -0x1.ab17d404de5b3p-41};
+inline constexpr double sineRest[7] = {
+    -0x1.5555555555555p-3,
+    0x1.1111111111110p-7,
+    -0x1.a01a01a019938p-13,
+    0x1.71de3a546095bp-19,
+    -0x1.ae645412c560cp-26,
+    0x1.61217f0b800d5p-33,
+    -0x1.ab17d404de5b3p-41};
 
 // cos x = 1 - x^2 / 2 + x^4 P(x^2) for |x| <= pi / 4, within 4.9e-19.
-inline constexpr double cosineRest[6] = {0x1.5555555555555p-5,  -0x1.6c16c16c16967p-10,
-                                         0x1.a01a019f4eb01p-16, -0x1.27e4fa17da09ep-22,
-                                         0x1.1eeb68e93b64cp-29, -0x1.907da367a37cbp-37};
+inline constexpr double cosineRest[6] = {
+    0x1.5555555555555p-5,
+    -0x1.6c16c16c16967p-10,
+    0x1.a01a019f4eb01p-16,
+    -0x1.27e4fa17da09ep-22,
+    0x1.1eeb68e93b64cp-29,
+    -0x1.907da367a37cbp-37};
 
 // arctan t = t + t^3 P(t^2) for |t| <= tan(pi / 16), within 6.6e-20.
 inline constexpr double arcTangentRest[8] = {
-    -0x1.5555555555555p-2, 0x1.99999999995c9p-3, -0x1.24924924138ebp-3, 0x1.c71c70fe5f604p-4,
-    -0x1.745cc90daadc8p-4, 0x1.3b03174eb020cp-4, -0x1.0f1a70bb76349p-4, 0x1.a314f808adea6p-5};
+    -0x1.5555555555555p-2,
+    0x1.99999999995c9p-3,
+    -0x1.24924924138ebp-3,
+    0x1.c71c70fe5f604p-4,
+    -0x1.745cc90daadc8p-4,
+    0x1.3b03174eb020cp-4,
+    -0x1.0f1a70bb76349p-4,
+    0x1.a314f808adea6p-5};
 
 // artanh t = t + t^3 P(t^2) for |t| < 0.477, within 2.8e-18.
-inline constexpr double arTanhRest[13] = {0x1.5555555555556p-2, 0x1.9999999999552p-3, 0x1.24924924d3e6bp-3,
-                                          0x1.c71c7195d6798p-4, 0x1.745d20daa0868p-4, 0x1.3b12967c55acdp-4,
-                                          0x1.1125e27cd9548p-4, 0x1.dfd7753621374p-5, 0x1.c0856021e78b9p-5,
-                                          0x1.221b72ff09b93p-5, 0x1.6fd8120203000p-4, -0x1.17653187d68c9p-4,
-                                          0x1.56b06ebaef008p-3};
+inline constexpr double arTanhRest[13] = {
+    0x1.5555555555556p-2,
+    0x1.9999999999552p-3,
+    0x1.24924924d3e6bp-3,
+    0x1.c71c7195d6798p-4,
+    0x1.745d20daa0868p-4,
+    0x1.3b12967c55acdp-4,
+    0x1.1125e27cd9548p-4,
+    0x1.dfd7753621374p-5,
+    0x1.c0856021e78b9p-5,
+    0x1.221b72ff09b93p-5,
+    0x1.6fd8120203000p-4,
+    -0x1.17653187d68c9p-4,
+    0x1.56b06ebaef008p-3};
 
 // sinh x = x + x^3 P(x^2) for |x| < 0.75, within 5.0e-18.
-inline constexpr double sinhRest[6] = {0x1.5555555555555p-3,  0x1.111111111147fp-7,  0x1.a01a019efd76cp-13,
-                                       0x1.71de3c70d5b0ep-19, 0x1.ae60ba55d3f05p-26, 0x1.63fdaaded0c01p-33};
+inline constexpr double sinhRest[6] = {
+    0x1.5555555555555p-3,
+    0x1.111111111147fp-7,
+    0x1.a01a019efd76cp-13,
+    0x1.71de3c70d5b0ep-19,
+    0x1.ae60ba55d3f05p-26,
+    0x1.63fdaaded0c01p-33};
 
 // A right angle in three parts, of which the first two have room for a factor of 20 bits.
 inline constexpr double rightAngleHigh = 0x1.921fb54400000p+0;

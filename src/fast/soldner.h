@@ -12,7 +12,7 @@
 
 namespace lagestatus::fast {
 
-inline constexpr double mostSigma = 0.6;  // 34 degrees beside the meridian
+inline constexpr double mostSigma = 0.6;   // 34 degrees beside the meridian
 inline constexpr double leastSine = 1e-9;  // of the latitude: 6 mm
 
 // The series of one geodesic.
@@ -102,8 +102,8 @@ template <typename Real>
         Real tangent;
     };
     // One of Newton's steps; the derivative of the leading term, f A3 sigma cos beta1.
-    const auto corrected = [&series](const Triangle& at, const Real& more,
-                                     const Real& found) __attribute__((always_inline)) {
+    const auto corrected = [&series](const Triangle& at, const Real& more, const Real& found)
+        __attribute__((always_inline)) {
         const Real slope = series.f * (at.beta1.cosine * at.beta1.cosine -
                                        at.arcOfSigma * at.tangent * (at.beta1.sine * at.beta1.sine));
         return more + (found - more) * (1.0 + slope * (1.0 + slope));
