@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <span>
 #include <utility>
 
 #include "base/caller_memory.h"
@@ -28,6 +30,29 @@ double read(const InputColumn& column, std::size_t number) noexcept {
 void write(const OutputColumn& column, std::size_t number, double value) noexcept {
     if (column.values != nullptr) {
         store<double>(place_in(column, number), 0, value);
+    }
+}
+
+void read_column(const InputColumn& column, std::size_t first, int count, double* into) noexcept {
+    const auto size = static_cast<std::size_t>(count);
+    if (column.stride == sizeof(double)) {
+        std::memcpy(into, place_in(column, first), size * sizeof(double));
+        return;
+    }
+    for (std::size_t i = 0; i < size; ++i) {
+        into[i] = read(column, first + i);
+    }
+}
+
+// Without values: NaN.
+void write_column(const OutputColumn& column, std::size_t first, int count, const double* values) noexcept {
+    const auto size = static_cast<std::size_t>(count);
+    if (column.values != nullptr && values != nullptr && column.stride == sizeof(double)) {
+        std::memcpy(place_in(column, first), values, size * sizeof(double));
+        return;
+    }
+    for (std::size_t i = 0; i < size; ++i) {
+        write(column, first + i, values != nullptr ? values[i] : none);
     }
 }
 
@@ -137,23 +162,38 @@ void Transformation::write_point(Work& work, std::size_t number, const CarriedPo
     work.outcome.failures += carried.status == status::ok ? 0 : 1;
 }
 
-// Points that the fast road leaves alone take the reference road.
+// Column by column. Points that the fast road leaves alone take the reference road.
 void Transformation::carry_block(Work& work, std::size_t first, int count,
                                  fast::Block& block) const noexcept {
-    auto& [northings, eastings, heights] = block.given;
-    for (int i = 0; i < count; ++i) {
-        const Point point = read_point(work, first + static_cast<std::size_t>(i));
-        northings[i] = point[0];
-        eastings[i] = point[1];
-        heights[i] = point[2];
+    const bool swapsInput = options.sourceEastingFirst && !sourceGeocentric;
+    const bool swapsOutput = options.targetEastingFirst && !targetGeocentric;
+    read_column(work.input[swapsInput ? 1 : 0], first, count, block.given.first);
+    read_column(work.input[swapsInput ? 0 : 1], first, count, block.given.second);
+    if (needs_third_input()) {
+        read_column(work.input[2], first, count, block.given.third);
+    } else {
+        std::fill_n(block.given.third, count, options.defaultHeight ? none : 0.0);
+    }
+    if (options.defaultHeight && !sourceGeocentric) {
+        for (double& height : std::span(block.given.third, static_cast<std::size_t>(count))) {
+            work.outcome.defaulted += std::isnan(height) ? 1 : 0;
+            height = std::isnan(height) ? *options.defaultHeight : height;
+        }
     }
     fastRoad.carry(block, count);
+    write_column(work.output[swapsOutput ? 1 : 0], first, count, block.reached.first);
+    write_column(work.output[swapsOutput ? 0 : 1], first, count, block.reached.second);
+    const auto height = [](bool isThere, const double* column) { return isThere ? column : nullptr; };
+    write_column(work.output[2], first, count, height(has_third_output(), block.reached.third));
+    write_column(work.output[3], first, count, height(has_normal_output(), block.normal));
     for (int i = 0; i < count; ++i) {
-        const auto& [x, y, z] = block.reached;
-        write_point(work, first + static_cast<std::size_t>(i),
-                    block.outside[i] == 0.0
-                        ? CarriedPoint{status::ok, {x[i], y[i], z[i], block.normal[i]}, true, true, true}
-                        : road.carry({northings[i], eastings[i], heights[i]}, flags));
+        const std::size_t number = first + static_cast<std::size_t>(i);
+        if (block.outside[i] != 0.0) {
+            const auto& [northing, easting, third] = block.given;
+            write_point(work, number, road.carry({northing[i], easting[i], third[i]}, flags));
+        } else if (work.statuses != nullptr) {
+            store<int>(work.statuses, number, status::ok);
+        }
     }
 }
 

@@ -27,6 +27,10 @@ struct alignas(64) Block {
     // All bits set (a NaN) where the point is outside the domain of a stage, else 0: it takes the reference road, and
     // what the columns behind given hold of it means nothing.
     double outside[blockSize];
+
+    // The strips that most points are in, or NaN: of plane coordinates given and reached.
+    double zoneGiven;
+    double zoneReached;
 };
 
 }  // namespace lagestatus::fast

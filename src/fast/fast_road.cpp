@@ -142,6 +142,10 @@ bool fill_meridians(const ZoneLayout& zones, bool hasStrips, PlaneSide& side) no
     }
     side.width = static_cast<double>(zones.width);
     side.offset = static_cast<double>(zones.offset);
+    if (zones.width < 180) {
+        constexpr double margin = 1e-9;  // degrees: three times what the border takes
+        side.sineOfHalf = turn_by((side.width * 0.5 - margin) * degree).sine;
+    }
     for (int zone = -1100; zone <= 1100 && meridians.count < Meridians::most; ++zone) {
         const auto meridian = static_cast<double>(zones.width * zone + zones.offset);
         if (std::fabs(meridian) <= Meridians::farthest) {

@@ -27,6 +27,7 @@ struct Kernel {
                 stage(at, block);
             }
         };
+        block.zoneGiven = block.zoneReached = noZone;
         each([](int at, Block& points) {
             Real(0.0).store(points.outside + at);
             Real::load(points.given.third + at).store(points.normal + at);
@@ -130,11 +131,31 @@ struct Kernel {
         place.h.store(block.reached.third + at);
     }
 
-    // The directions of central meridians by their strips' numbers. Inside: those that the table has.
+    // Most points lie in the strip of those before them. That strip's number is kept from one stretch of lanes to the
+    // next, and the points are seen to be well inside the strip: then it is the one that they would be found to have.
+    // NaN where there is no such strip: no point lies inside it.
+    static constexpr double noZone = __builtin_nan("");
+
+    // The direction of the central meridian of a strip that meridian_of below has left, or NaN.
+    [[gnu::always_inline]] static Direction<Real> meridian_of(const PlaneSide& side, double zone) noexcept {
+        if (side.oneMeridian) {
+            return {side.meridians.sine[0], side.meridians.cosine[0]};
+        }
+        if (zone != zone) {
+            return {noZone, noZone};
+        }
+        const int number = static_cast<int>(zone - side.meridians.first);  // 0 to count - 1
+        return {side.meridians.sine[number], side.meridians.cosine[number]};
+    }
+
+    // The directions of central meridians by their strips' numbers. Inside: those that the table has. Usual: the strip
+    // of the first point; of strips below 0, which reach further to one side, and of those beyond 90 degrees, none.
     [[gnu::always_inline]] static Direction<Real> meridian_of(const PlaneSide& side, const Real& zone,
-                                                              Mask& inside) noexcept {
+                                                              Mask& inside, double& usual) noexcept {
+        usual = noZone;
         if (side.oneMeridian) {
             inside = zone >= zone;
+            usual = zone.part[0][0] >= 0.0 ? zone.part[0][0] : noZone;
             return {side.meridians.sine[0], side.meridians.cosine[0]};
         }
         const Real last = side.meridians.count - 1;
@@ -149,6 +170,8 @@ struct Kernel {
             sine[lane] = side.meridians.sine[number];
             cosine[lane] = side.meridians.cosine[number];
         }
+        const double first = numbers[0] + side.meridians.first;
+        usual = first >= 0.0 && cosine[0] >= 0.0 ? first : noZone;
         return {Real::load(sine), Real::load(cosine)};
     }
 
@@ -181,12 +204,22 @@ struct Kernel {
         }
         Direction<Real> meridian = {side.meridians.sine[0], side.meridians.cosine[0]};
         if (side.hasStrips) {
-            const Real zone = truncated((Y + side.additiveY) / 1e6);
-            Mask known;
-            meridian = meridian_of(side, zone, known);
-            inside = inside & known;
-            X = X / side.meridianScale;
-            Y = (Y - zone * 1e6) / side.meridianScale;
+            const Real easting = Y + side.additiveY;
+            Real zone = block.zoneGiven;
+            const Real within = easting - zone * 1e6;
+            if ((~((within > 1.0) & (within < 999999.0))).any()) {
+                zone = truncated(easting / 1e6);
+                Mask known;
+                meridian = meridian_of(side, zone, known, block.zoneGiven);
+                inside = inside & known;
+            } else {
+                meridian = meridian_of(side, block.zoneGiven);
+            }
+            Y = Y - zone * 1e6;
+            if (side.meridianScale != 1.0) {
+                X = X / side.meridianScale;
+                Y = Y / side.meridianScale;
+            }
         }
         Mask mapped;
         Place<Real> place;
@@ -205,15 +238,21 @@ struct Kernel {
         Mask inside = place.h >= place.h;
         Direction<Real> meridian = {side.meridians.sine[0], side.meridians.cosine[0]};
         Real zone = side.zoneNumber;
+        Direction<Real> dLam = turned_back(place.lam, meridian);
         if (!side.oneMeridian) {
-            const Real lam = arc(place.lam.sine, place.lam.cosine) * degreesOfRadian;
-            const Real strip = (lam - side.offset) / side.width + 0.5;
-            zone = truncated(strip);
-            meridian = meridian_of(side, zone, inside);
-            const Real beyond = magnitude(strip - nearest_integer(strip));
-            inside = inside & (beyond * (side.width < 0.0 ? -side.width : side.width) > border);
+            meridian = meridian_of(side, block.zoneReached);
+            dLam = turned_back(place.lam, meridian);
+            zone = block.zoneReached;
+            if ((~((magnitude(dLam.sine) < side.sineOfHalf) & (dLam.cosine > 0.0))).any()) {
+                const Real lam = arc(place.lam.sine, place.lam.cosine) * degreesOfRadian;
+                const Real strip = (lam - side.offset) / side.width + 0.5;
+                zone = truncated(strip);
+                meridian = meridian_of(side, zone, inside, block.zoneReached);
+                const Real beyond = magnitude(strip - nearest_integer(strip));
+                inside = inside & (beyond * side.width > border);
+                dLam = turned_back(place.lam, meridian);
+            }
         }
-        const Direction<Real> dLam = turned_back(place.lam, meridian);
         Mask mapped;
         Plane<Real> plane;
         if constexpr (isSoldner) {
