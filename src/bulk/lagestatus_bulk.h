@@ -239,7 +239,7 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
 #define LAGESTATUS_AXES_EASTING_FIRST 1 /* easting, northing; longitude, latitude */
 
 #define LAGESTATUS_REFERENCE 0
-#define LAGESTATUS_FAST 1 /* not in this version: LAGESTATUS_UNAVAILABLE */
+#define LAGESTATUS_FAST 1
 
 /*
  * How points are to be carried. All members but size may be 0. Later versions may add members at its end.
@@ -250,7 +250,13 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
  *                   neither. The Z of a geocentric target is always written; it has no NORMAL height alone, and with
  *                   BOTH the fourth column is the third one given, as trans_dll has it. Elsewhere a height that is
  *                   wanted must be given
- *   calculation     LAGESTATUS_REFERENCE: the bits of the seven functions
+ *   calculation     LAGESTATUS_REFERENCE: the bits of the seven functions. LAGESTATUS_FAST: the same statuses, and
+ *                   results within 10 nm of the truth (Soldner 20 nm; within 20 degrees of the meridian and up to 85
+ *                   degrees of latitude), which the others are not: some micrometres from those, at most 0.3 mm where
+ *                   Soldner coordinates play a part. The same bits on every machine. Points and systems that it cannot
+ *                   serve get the results of the reference calculation. The environment variable
+ *                   LAGESTATUS_INSTRUCTIONS (baseline, avx2, avx512), read when the library is loaded, keeps it from
+ *                   wider instructions
  *   defaultHeight   for points without a height, which are counted: those whose height is NaN (without a default one
  *                   they fail with 90), or all where none is given. Normal if heightGiven is NORMAL, else ellipsoidal
  */
