@@ -111,7 +111,8 @@ const char* Transformation::contradiction(const SystemDescription& source, const
 }
 
 Transformation::Transformation(const SystemDescription& source, const SystemDescription& target,
-                               const TransformationOptions& how, std::shared_ptr<const HeldHeightModel> model)
+                               const TransformationOptions& how,
+                               const std::shared_ptr<const HeldHeightModel>& model)
     : options(how),
       road(source, target, model),
       sourceGeocentric(is_geocentric(source)),

@@ -40,7 +40,7 @@ class Transformation {
   public:
     // The height model is needed where needs_height_model says so.
     Transformation(const SystemDescription& source, const SystemDescription& target,
-                   const TransformationOptions& how, std::shared_ptr<const HeldHeightModel> model);
+                   const TransformationOptions& how, const std::shared_ptr<const HeldHeightModel>& model);
 
     // Whether normal heights play a part on the way between two systems. What is wrong with the options for them: null,
     // or a German sentence.

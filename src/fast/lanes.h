@@ -15,8 +15,8 @@ struct Register;
 #define LAGESTATUS_REGISTER(width)                                 \
     template <>                                                    \
     struct Register<width> {                                       \
-        using Vector [[gnu::vector_size(width * 8)]] = double;     \
-        using Bits [[gnu::vector_size(width * 8)]] = std::int64_t; \
+        using Vector [[gnu::vector_size((width)*8)]] = double;     \
+        using Bits [[gnu::vector_size((width)*8)]] = std::int64_t; \
     };
 LAGESTATUS_REGISTER(2)
 LAGESTATUS_REGISTER(4)

@@ -40,12 +40,12 @@ struct PlaneSeries {
     Coefficients rectifying = {};      // mu - beta by beta
     Coefficients fromRectifying = {};  // beta - mu by mu
 
-    // Of the longitude on a geodesic, in powers of epsilon from 0 on: A3, and C31, C32, C33, C34 from epsilon^l on.
+    // Of the longitude on a geodesic, in powers of epsilon from 0 on: A3, and c31, c32, c33, c34 from epsilon^l on.
     double A3[5] = {};
-    double C31[4] = {};
-    double C32[3] = {};
-    double C33[2] = {};
-    double C34[1] = {};
+    double c31[4] = {};
+    double c32[3] = {};
+    double c33[2] = {};
+    double c34[1] = {};
 };
 
 }  // namespace lagestatus::fast

@@ -52,8 +52,8 @@ struct GeodesicSums {
     [[nodiscard, gnu::always_inline]] Real longitude(const Real& sigma, const Direction<Real>& doubledSigma,
                                                      const Real& cosBeta1) const noexcept {
         const Real e2 = e * e;
-        const Real c[] = {-e * polynomial(series.C31, e), e2 * polynomial(series.C32, e),
-                          -e * e2 * polynomial(series.C33, e), e2 * e2 * series.C34[0]};
+        const Real c[] = {-e * polynomial(series.c31, e), e2 * polynomial(series.c32, e),
+                          -e * e2 * polynomial(series.c33, e), e2 * e2 * series.c34[0]};
         return series.f * cosBeta1 * (polynomial(series.A3, e) * (sigma + sum(c, doubledSigma)));
     }
 
