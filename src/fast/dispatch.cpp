@@ -16,6 +16,7 @@ struct Choice {
 Choice choose() noexcept {
     Choice choice = {"baseline", carry_block_baseline()};
 #ifdef LAGESTATUS_WIDE_LANES
+    // Before anybody can call the library. NOLINTNEXTLINE(concurrency-mt-unsafe)
     const char* const asked = std::getenv("LAGESTATUS_INSTRUCTIONS");
     const std::string_view most = asked != nullptr ? asked : "";
     __builtin_cpu_init();

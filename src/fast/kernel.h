@@ -83,7 +83,7 @@ struct Kernel {
     [[gnu::always_inline]] static Real all_bits() noexcept {
         Real bits = 0.0;
         for (auto& part : bits.part) {
-            part = (typename Real::Vector)(part == part);
+            part = (typename Real::Vector)(part == typename Real::Vector{});
         }
         return bits;
     }
@@ -135,6 +135,7 @@ struct Kernel {
     // next, and the points are seen to be well inside the strip: then it is the one that they would be found to have.
     // NaN where there is no such strip: no point lies inside it.
     static constexpr double noZone = __builtin_nan("");
+    static constexpr double farthestZone = 1e6;  // beyond all that eastings lead to
 
     // The direction of the central meridian of a strip that meridian_of below has left, or NaN.
     [[gnu::always_inline]] static Direction<Real> meridian_of(const PlaneSide& side, double zone) noexcept {
@@ -154,7 +155,7 @@ struct Kernel {
                                                               Mask& inside, double& usual) noexcept {
         usual = noZone;
         if (side.oneMeridian) {
-            inside = zone >= zone;
+            inside = magnitude(zone) < farthestZone;
             usual = zone.part[0][0] >= 0.0 ? zone.part[0][0] : noZone;
             return {side.meridians.sine[0], side.meridians.cosine[0]};
         }
@@ -413,11 +414,11 @@ struct Kernel {
             corners[2][lane] = values[width];
             corners[3][lane] = values[width + 1];
         }
-        const Real G00 = Real::load(corners[0]);
-        const Real G10 = Real::load(corners[1]);
-        const Real G01 = Real::load(corners[2]);
-        const Real G11 = Real::load(corners[3]);
-        Real zeta = ((((G11 - G10) - G01) + G00) * t + (G10 - G00)) * s + ((G01 - G00) * t + G00);
+        const Real g00 = Real::load(corners[0]);
+        const Real g10 = Real::load(corners[1]);
+        const Real g01 = Real::load(corners[2]);
+        const Real g11 = Real::load(corners[3]);
+        Real zeta = ((((g11 - g10) - g01) + g00) * t + (g10 - g00)) * s + ((g01 - g00) * t + g00);
         if (grid.hasFundamentalPoint) {
             const auto [sinG, cosG] = place.phi;
             const Direction<Real> dLam = turned_back(place.lam, Direction<Real>{grid.sinLamR, grid.cosLamR});
