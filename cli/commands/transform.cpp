@@ -41,6 +41,7 @@ struct TransformOptions {
     bool withSeconds = false;
     std::vector<int> precision;  // metres, degrees or seconds
     std::string output;
+    bool fast = false;
     std::size_t jobs = 0;  // 0: as many as there are cores
     bool quiet = false;
     std::vector<std::string> files;
@@ -97,6 +98,7 @@ RunOptions run_options(const TransformOptions& options, const SystemDescription&
     RunOptions run;
     run.normalGiven = options.height == "n" || options.height == "N";
     run.normalWanted = options.heights;
+    run.fast = options.fast;
     run.latin1 = options.latin1;
     run.withSeconds = options.withSeconds;
     if (!options.precision.empty()) {
@@ -170,7 +172,7 @@ class Outcome {
     void take(Piece& piece) {
         Written& written = piece.written;
         output.write(piece.before);
-        output.write(written.text);
+        output.write(written.text.view());
         tally.add(written.tally);
         bytes += piece.read;
         for (const Report& report : written.errors) {
@@ -184,11 +186,9 @@ class Outcome {
             say(piece.fileName, written.warning, "warning: ");
         }
         progress.show(bytes, tally.rows);
-        for (std::string* const memory : {&piece.lines, &written.text}) {
-            constexpr std::size_t kept = std::size_t{1} << 18;  // for the next lines
-            if (memory->capacity() > kept) {
-                std::string().swap(*memory);
-            }
+        constexpr std::size_t kept = std::size_t{1} << 18;  // for the next lines
+        if (written.text.capacity() > kept) {
+            written.text.release();
         }
     }
 
@@ -244,7 +244,7 @@ int transform_points(const TransformOptions& options) {
                 if (piece.overlong) {
                     writer.overlong_line(piece.form, piece.firstLine, longestLine, piece.written);
                 }
-                writer.lines(piece.lines, piece.form, piece.firstLine, piece.written);
+                writer.lines(piece.lines.view(), piece.form, piece.firstLine, piece.written);
             },
             [&outcome](Piece& piece) { outcome.take(piece); });
         PieceReader reader(form, writer, block_size(jobs), work);
@@ -328,6 +328,9 @@ Command transform_command() {
     command.group = "The run";
     command.add("-o, --output FILE", &options->output,
                 "Write to a file, which appears under its name when it is complete");
+    command.add(
+        "--fast", &options->fast,
+        "The fast calculation: some micrometres beside the results of the reference, nearer the truth");
     command.add("-j, --jobs N", &options->jobs, "Threads (all cores)", {.smallest = 1, .largest = mostJobs});
     command.add("-q, --quiet", &options->quiet, "No progress bar and no warnings");
     command.examples =

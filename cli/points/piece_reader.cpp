@@ -32,6 +32,21 @@ std::optional<std::string_view> first_point(std::string_view lines) {
     return std::nullopt;
 }
 
+std::uint64_t count_feeds(std::string_view bytes) {
+    std::uint64_t feeds = 0;
+    while (!bytes.empty()) {
+        // Few enough for a counter of one byte, which compilers make sixteen of at once.
+        const std::string_view some = bytes.substr(0, 240);
+        std::uint8_t count = 0;
+        for (const char byte : some) {
+            count = static_cast<std::uint8_t>(count + (byte == '\n' ? 1 : 0));
+        }
+        feeds += count;
+        bytes.remove_prefix(some.size());
+    }
+    return feeds;
+}
+
 }  // namespace
 
 // A file at hand.
@@ -40,7 +55,7 @@ struct PieceReader::File {
     LineForm form;
     bool delimiterKnown;
     std::uint64_t line = 1;  // of what comes next
-    std::string rest = {};   // what was read and is in no piece yet
+    TextBuffer rest = {};    // what was read and is in no piece yet
     bool ended = false;
 
     void recognise(std::string_view lines) {
@@ -69,11 +84,10 @@ void PieceReader::read(InputFile& input) {
         if (file.line == 1) {
             take_head(file, piece);
         }
-        file.recognise(piece.lines);
+        file.recognise(piece.lines.view());
         piece.form = file.form;
         piece.firstLine = file.line;
-        const auto feeds = std::count(piece.lines.begin(), piece.lines.end(), '\n');
-        file.line += static_cast<std::uint64_t>(feeds) + (piece.overlong ? 1 : 0);
+        file.line += count_feeds(piece.lines.view()) + (piece.overlong ? 1 : 0);
         work.submit();
     }
 }
@@ -85,48 +99,50 @@ void PieceReader::take_lines(File& file, Piece& piece) const {
         return file.line > 1 || !(form.header || form.label) ||
                first_point(lines.substr(head_of(lines, form.header).size())).has_value();
     };
-    std::string& rest = file.rest;
+    TextBuffer& lines = piece.lines;
+    lines.clear();
+    lines.append(file.rest.view());
+    file.rest.clear();
     piece.overlong = false;
     piece.read = 0;
     for (;;) {
-        const std::size_t had = rest.size();
-        rest.resize(std::min(std::max(block, 2 * had), longestLine));
-        const std::size_t count = file.input.read(rest.data() + had, rest.size() - had);
-        rest.resize(had + count);
+        const std::size_t wanted = std::min(std::max(block, 2 * lines.size()), longestLine) - lines.size();
+        const std::size_t count = file.input.read(lines.room(wanted), wanted);
+        lines.add(count);
         piece.read += count;
         file.ended = count == 0;
-        const bool full = rest.size() == longestLine;
+        const bool full = lines.size() == longestLine;
         // Of a line that is too long the end is looked for.
-        const std::size_t feed = piece.overlong ? rest.find('\n') : rest.rfind('\n');
-        const std::size_t whole = file.ended ? rest.size() : feed + 1;  // 0: no line feed
-        const std::string_view lines = std::string_view(rest).substr(0, whole);
-        if (file.ended || (whole > 0 && (full || piece.overlong || isEnough(lines)))) {
-            piece.lines = piece.overlong ? "" : lines;
-            rest.erase(0, whole);
+        const std::string_view text = lines.view();
+        const std::size_t feed = piece.overlong ? text.find('\n') : text.rfind('\n');
+        const std::size_t whole = file.ended ? text.size() : feed + 1;  // 0: no line feed
+        if (file.ended || (whole > 0 && (full || piece.overlong || isEnough(text.substr(0, whole))))) {
+            file.rest.append(text.substr(whole));
+            lines.cut(piece.overlong ? 0 : whole);
             return;
         }
         if (full) {
             piece.overlong = true;
-            rest.clear();
+            lines.clear();
         }
     }
 }
 
 // Takes the head off a file. That of the first one is written, with the names that its columns then have.
 void PieceReader::take_head(File& file, Piece& piece) {
-    const std::string bytes = piece.lines;
+    const std::string bytes(piece.lines.view());
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
         throw FileError(piece.fileName + ": is UTF-16; UTF-8, ISO 8859-1 and Windows-1252 can be read");
     }
     std::string_view head = head_of(bytes, form.header);
-    piece.lines.erase(0, head.size());
+    piece.lines.remove_prefix(head.size());
     file.line += head.ends_with('\n') ? 1 : 0;
-    file.recognise(piece.lines);
+    file.recognise(piece.lines.view());
     if (std::exchange(begun, true)) {
         return;
     }
     bool hasHeight = !file.form.looksForHeight && file.form.columns.size() > 2;
-    if (const auto text = first_point(piece.lines)) {
+    if (const auto text = first_point(piece.lines.view())) {
         PointLine read;
         PointLineReader(file.form).read(*text, read);
         hasHeight = read.hasHeight;

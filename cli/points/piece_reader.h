@@ -9,6 +9,7 @@
 #include "points/point_line.h"
 #include "points/point_writer.h"
 #include "system/files.h"
+#include "system/text_buffer.h"
 
 namespace cli {
 
@@ -25,7 +26,7 @@ struct FileForm {
 struct Piece {
     std::string fileName;
     std::string before;  // written as it is, ahead of the lines
-    std::string lines;
+    TextBuffer lines;
     std::uint64_t firstLine = 1;
     bool overlong = false;  // a single line, which was skipped: there are none
     std::size_t read = 0;   // bytes of the file

@@ -6,19 +6,17 @@
 
 #include "datafiles/field_scanner.h"
 #include "points/angle_text.h"
-#include "system/text.h"
+#include "points/number_text.h"
 
 namespace cli {
 namespace {
 
-bool is_gap(char character) {
-    return std::find(blankCharacters.begin(), blankCharacters.end(), character) != blankCharacters.end();
-}
-
 // Whether a field is meant as a number, however it goes on.
 bool looks_like_number(std::string_view field) {
-    const std::size_t unsignedPart = field.find_first_not_of("+-.,");
-    if (unsignedPart != std::string_view::npos && lagestatus::is_digit(field[unsignedPart])) {
+    const auto* const unsignedPart = std::find_if(field.begin(), field.end(), [](char character) {
+        return character != '+' && character != '-' && character != '.' && character != ',';
+    });
+    if (unsignedPart != field.end() && lagestatus::is_digit(*unsignedPart)) {
         return true;
     }
     double value = 0.0;
@@ -35,11 +33,6 @@ TextLine take_line(std::string_view& text) {
     const bool hasReturn = line.ends_with('\r');
     line.remove_suffix(hasReturn ? 1 : 0);
     return {line, hasReturn ? "\r\n" : "\n"};
-}
-
-bool is_passed_through(std::string_view line) {
-    const std::size_t first = line.find_first_not_of(blankCharacters);
-    return first == std::string_view::npos || line[first] == '#';
 }
 
 char recognised_delimiter(std::string_view line, LineForm form) {
@@ -69,10 +62,12 @@ char recognised_delimiter(std::string_view line, LineForm form) {
 }
 
 PointLineReader::PointLineReader(const LineForm& lineForm)
-    : form(lineForm), wanted(*std::max_element(form.columns.begin(), form.columns.end()) + 1) {}
+    : form(lineForm),
+      wanted(*std::max_element(form.columns.begin(), form.columns.end()) + 1),
+      spans(wanted) {}
 
 void PointLineReader::split(std::string_view line) {
-    spans.clear();
+    found = 0;
     const auto skipBlanks = [&](std::size_t at) {
         while (at < line.size() && is_gap(line[at])) {
             ++at;
@@ -92,21 +87,24 @@ void PointLineReader::split(std::string_view line) {
         return at;
     };
     if (form.delimiter == blanks) {
-        for (std::size_t at = skipBlanks(0); at < line.size() && spans.size() < wanted; at = skipBlanks(at)) {
+        for (std::size_t at = skipBlanks(0); at < line.size() && found < wanted; at = skipBlanks(at)) {
             const std::size_t begin = at;
             at = behindQuotes(at);
             while (at < line.size() && !is_gap(line[at])) {
                 ++at;
             }
-            spans.push_back({begin, at});
+            spans[found++] = {begin, at};
         }
         return;
     }
-    for (std::size_t at = 0; at <= line.size() && spans.size() < wanted; ++at) {
+    for (std::size_t at = 0; at <= line.size() && found < wanted; ++at) {
         Span span = {at, at};
-        at = std::min(
-            line.find(form.delimiter, behindQuotes(std::min(line.find_first_not_of(' ', at), line.size()))),
-            line.size());
+        while (at < line.size() && line[at] == ' ') {
+            ++at;
+        }
+        for (at = behindQuotes(at); at < line.size() && line[at] != form.delimiter;) {
+            ++at;
+        }
         span.end = at;
         while (span.begin < span.end && is_gap(line[span.begin])) {
             ++span.begin;
@@ -114,7 +112,7 @@ void PointLineReader::split(std::string_view line) {
         while (span.end > span.begin && is_gap(line[span.end - 1])) {
             --span.end;
         }
-        spans.push_back(span);
+        spans[found++] = span;
     }
 }
 
@@ -122,7 +120,7 @@ Fields PointLineReader::fields_of(std::string_view line) {
     split(line);
     Fields fields;
     for (std::size_t part = 0; part < form.columns.size(); ++part) {
-        if (form.columns[part] < spans.size()) {
+        if (form.columns[part] < found) {
             fields[part] = spans[form.columns[part]];
         }
     }
@@ -145,23 +143,18 @@ std::string_view PointLineReader::content_of(std::string_view line, const std::o
     return unquoted;
 }
 
-bool PointLineReader::read_coordinate(std::string_view field, std::size_t part, double& value) {
-    if (form.decimalComma) {
-        if (field.find('.') != std::string_view::npos) {
-            return false;
-        }
-        withPoint = field;
-        std::replace(withPoint.begin(), withPoint.end(), ',', '.');
-        field = withPoint;
-    }
-    if (const std::optional<double> number = number_of(field)) {
-        value = *number;
+bool PointLineReader::read_coordinate(std::string_view field, std::size_t part, double& value) const {
+    if (read_number(field, form.decimalComma ? ',' : '.', value)) {
         return true;
     }
-    if (!form.angles || part == 2) {
+    if (!form.angles || part == 2 || (form.decimalComma && field.find('.') != std::string_view::npos)) {
         return false;
     }
-    const auto angle = read_angle(field, part == 0 ? Hemisphere::latitude : Hemisphere::longitude);
+    std::string withPoint(field);
+    if (form.decimalComma) {
+        std::replace(withPoint.begin(), withPoint.end(), ',', '.');
+    }
+    const auto angle = read_angle(withPoint, part == 0 ? Hemisphere::latitude : Hemisphere::longitude);
     value = angle.value_or(0.0);
     return angle.has_value();
 }
@@ -172,7 +165,7 @@ void PointLineReader::read(std::string_view line, PointLine& result) {
     result.hasHeight = false;
     result.error.clear();
     constexpr std::size_t longestExcerpt = 60;
-    if (form.looksForHeight && form.columns.size() > 2) {
+    if (form.looksForHeight && result.fields[2]) {
         // Text of the line is no height, and stays what it is whatever becomes of the line.
         const std::string_view field = content_of(line, result.fields[2]);
         const bool emptyColumn = field.empty() && form.delimiter != blanks;

@@ -47,11 +47,22 @@ struct TextLine {
     std::string_view end;  // a line feed, with a carriage return if there is one before it
 };
 
+// Whether a character is one of them.
+inline bool is_gap(char character) {
+    return character == ' ' || (character >= '\t' && character <= '\f' && character != '\n');
+}
+
 // Takes the first line from a text, which is not empty.
 TextLine take_line(std::string_view& text);
 
 // Whether a line holds no point and is to be passed through: empty, or a comment that begins with "#".
-bool is_passed_through(std::string_view line);
+inline bool is_passed_through(std::string_view line) {
+    std::size_t first = 0;
+    while (first < line.size() && is_gap(line[first])) {
+        ++first;
+    }
+    return first == line.size() || line[first] == '#';
+}
 
 // The delimiter of a file, from its first line that holds a point: the one by which the columns are numbers. If there
 // is none, the most telling one.
@@ -71,13 +82,13 @@ class PointLineReader {
   private:
     void split(std::string_view line);
     std::string_view content_of(std::string_view line, const std::optional<Span>& place);
-    bool read_coordinate(std::string_view field, std::size_t part, double& value);
+    bool read_coordinate(std::string_view field, std::size_t part, double& value) const;
 
     LineForm form;
     std::size_t wanted;  // fields of a line that are looked at
     std::vector<Span> spans;
+    std::size_t found = 0;  // of them, in the last line
     std::string unquoted;   // the last field that stood in quotes
-    std::string withPoint;  // the last one that had a comma
 };
 
 }  // namespace cli

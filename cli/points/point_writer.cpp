@@ -8,6 +8,7 @@
 #include "heights/height_model_file.h"
 #include "keeper/data_directory.h"
 #include "points/angle_text.h"
+#include "points/number_text.h"
 #include "system/output.h"
 #include "system/text.h"
 
@@ -15,78 +16,58 @@ namespace cli {
 namespace {
 
 constexpr const char* unknown = "*";
+constexpr std::size_t mostTogether = 256;  // rows
 
-constexpr std::array<double, 10> powersOfTen = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-
-// Writes a number whose last decimal is beyond doubt, as std::to_chars would: product and rounding lose less than the
-// margin. Returned: whether it is such a number.
-bool append_plainly(std::string& text, double value, int decimals, char decimalMark) {
-    constexpr double largest = 1e12;
-    constexpr double margin = 1e-3;  // an ulp below the largest is 1.2e-4
-    if (decimals >= static_cast<int>(powersOfTen.size())) {
-        return false;
-    }
-    const double scaled = std::fabs(value) * powersOfTen[static_cast<std::size_t>(decimals)];
-    if (!(scaled < largest)) {
-        return false;
-    }
-    auto rest = static_cast<std::uint64_t>(scaled + 0.5);  // NOLINT(bugprone-incorrect-roundings): see margin
-    if (std::fabs(scaled - static_cast<double>(rest)) > 0.5 - margin) {
-        return false;
-    }
-    const bool negative = value < 0.0 && rest != 0;
-    std::array<char, 24> digits = {};
-    auto begin = digits.end();
-    for (int count = 0; count <= decimals || rest != 0; ++count) {
-        if (count == decimals && count > 0) {
-            *--begin = decimalMark;
-        }
-        *--begin = static_cast<char>('0' + rest % 10);
-        rest /= 10;
-    }
-    if (negative) {
-        *--begin = '-';
-    }
-    text.append(begin, digits.end());
-    return true;
+// What the heights of points are. Where normal heights play no part, none is asked for.
+HeightFlags flags(bool normalGiven, bool normalWanted) {
+    return {.sourceIsNormal = normalGiven,
+            .targetWantsNormal = normalGiven || normalWanted,
+            .alsoUnasked = false};
 }
 
-// A number at the end of a text, with a fixed count of decimals.
-void append_fixed(std::string& text, double value, int decimals, char decimalMark) {
-    if (append_plainly(text, value, decimals, decimalMark)) {
-        return;
-    }
-    std::string digits = fixed_text(value, decimals);
-    std::replace(digits.begin(), digits.end(), '.', decimalMark);
-    const bool minusZero = digits.front() == '-' && digits.find_first_not_of("-0.,") == std::string::npos;
-    text.append(digits, minusZero ? 1 : 0);
-}
+}  // namespace
 
 // Writes lines with other texts in place of their coordinates.
 class Composer {
   public:
-    Composer(const LineForm& lineForm, std::string& output) : form(lineForm), out(output) {}
+    // In place of the coordinates, and behind the third one.
+    using Texts = std::array<std::string_view, 4>;
+
+    // plain: whether texts have a byte a character.
+    Composer(const LineForm& lineForm, bool plain, TextBuffer& output)
+        : delimiter(lineForm.delimiter),
+          decimalMark(lineForm.decimalComma ? ',' : '.'),
+          isPlain(plain),
+          count(lineForm.columns.size()),
+          out(output) {
+        const auto columnOf = [&](std::size_t part) {
+            return part < count ? lineForm.columns[part] : std::string_view::npos;
+        };
+        std::sort(order.begin(), order.end(),
+                  [&](std::size_t a, std::size_t b) { return columnOf(a) < columnOf(b); });
+    }
 
     // An empty text has no column where the line has none, neither has an empty reason.
     void compose(std::string_view line, const Fields& fields, const Texts& texts, bool hasNormal,
                  std::string_view reason) {
         // The fields in the order in which they stand; those that the line lacks behind them.
-        const auto beginOf = [&](std::size_t part) {
-            return fields[part] ? fields[part]->begin : std::string_view::npos;
-        };
-        std::array<std::size_t, 3> order = {0, 1, 2};
-        std::sort(order.begin(), order.end(),
-                  [&](std::size_t a, std::size_t b) { return beginOf(a) < beginOf(b); });
         std::size_t done = 0;
-        std::size_t place = 0;
-        for (; place < order.size() && fields[order[place]]; ++place) {
+        std::size_t left = 0;
+        for (std::size_t part = 0; part < count; ++part) {
+            left += fields[part] ? 1 : 0;
+        }
+        const bool any = left > 0;
+        for (std::size_t place = 0; left > 0; ++place) {
             const std::size_t part = order[place];
+            if (!fields[part]) {
+                continue;
+            }
             const Span& field = *fields[part];
             replace(line.substr(done, field.begin - done), done > 0, field.end - field.begin, texts[part]);
             done = field.end;
+            --left;
             // New columns follow the height, or where there is none the last coordinate.
-            const bool isLast = place + 1 == order.size() || !fields[order[place + 1]];
-            if (fields[2] ? part != 2 : !isLast) {
+            if (fields[2] ? part != 2 : left > 0) {
                 continue;
             }
             if (!fields[2] && !texts[2].empty()) {
@@ -98,7 +79,7 @@ class Composer {
         }
         append_passed(line.substr(done), done > 0);
         for (const std::size_t part : {0U, 1U, 2U}) {
-            const bool inserted = part == 2 && place > 0;
+            const bool inserted = part == 2 && any;
             if (!fields[part] && !inserted && !texts[part].empty()) {
                 insert(texts[part]);
             }
@@ -108,12 +89,17 @@ class Composer {
         }
     }
 
+    const char delimiter;
+    const char decimalMark;
+
   private:
     // Text that is passed through. Behind a coordinate that stands between blanks, two of them take the place of those
     // that were there: they filled up a number that is gone.
     void append_passed(std::string_view text, bool behindField) {
-        if (form.delimiter == blanks && behindField) {
-            text.remove_prefix(std::min(text.find_first_not_of(blankCharacters), text.size()));
+        if (delimiter == blanks && behindField) {
+            while (!text.empty() && is_gap(text.front())) {
+                text.remove_prefix(1);
+            }
             out.append(text.empty() ? "" : "  ");
         }
         out.append(text);
@@ -121,18 +107,23 @@ class Composer {
 
     // A field behind the text that stands before it.
     void replace(std::string_view before, bool behindField, std::size_t fieldSize, std::string_view text) {
-        if (form.delimiter != blanks) {
-            out.append(before).append(text);
+        if (delimiter != blanks) {
+            out.append(before);
+            out.append(text);
             return;
         }
-        const std::size_t content = before.find_last_not_of(blankCharacters) + 1;
+        std::size_t content = before.size();
+        while (content > 0 && is_gap(before[content - 1])) {
+            --content;
+        }
         append_passed(before.substr(0, content), behindField);
         align(text, before.size() - content + fieldSize);
     }
 
     void insert(std::string_view text) {
-        if (form.delimiter != blanks) {
-            (out += form.delimiter).append(text);
+        if (delimiter != blanks) {
+            out.append(delimiter);
+            out.append(text);
         } else {
             align(text, 0);
         }
@@ -140,34 +131,37 @@ class Composer {
 
     void align(std::string_view text, std::size_t width) {
         constexpr std::size_t columnWidth = 14;  // of coordinates between blanks, so that they stand in line
-        const std::size_t separator = out.empty() || out.back() == '\n' ? 0 : 1;
+        const std::size_t separator = out.empty() || out.view().back() == '\n' ? 0 : 1;
         width = std::max(width, columnWidth + separator);
-        out.append(std::max(width - std::min(width, display_width(text)), separator), ' ').append(text);
+        const std::size_t shown = isPlain ? text.size() : display_width(text);
+        out.append(std::max(width - std::min(width, shown), separator), ' ');
+        out.append(text);
     }
 
     void append_reason(std::string_view reason) {
-        if (form.delimiter == blanks) {
-            out.append("  ").append(reason);
+        if (delimiter == blanks) {
+            out.append("  ");
+            out.append(reason);
             return;
         }
-        out += form.delimiter;
-        const std::array special = {form.delimiter, '"'};
+        out.append(delimiter);
+        const std::array special = {delimiter, '"'};
         if (reason.find_first_of(special.data(), 0, special.size()) == std::string_view::npos) {
             out.append(reason);
             return;
         }
-        out += '"';
+        out.append('"');
         for (const char character : reason) {
             out.append(character == '"' ? 2 : 1, character);
         }
-        out += '"';
+        out.append('"');
     }
 
-    const LineForm& form;
-    std::string& out;
+    const bool isPlain;
+    const std::size_t count;                       // of parts that can have fields
+    std::array<std::size_t, 3> order = {0, 1, 2};  // of these, as their columns stand
+    TextBuffer& out;
 };
-
-}  // namespace
 
 void Tally::add(const Tally& other) {
     rows += other.rows;
@@ -203,96 +197,158 @@ PointWriter::PointWriter(const RunOptions& runOptions, const Directory& director
       sourceGeocentric(is(ProjectionKind::geocentric, source.description)),
       targetGeocentric(is(ProjectionKind::geocentric, target.description)),
       targetGeographic(is(ProjectionKind::geographic, target.description)),
+      writesAngles(targetGeographic && runOptions.withSeconds),
       normalGiven(runOptions.normalGiven && !sourceGeocentric),
       normalColumn(runOptions.normalWanted && !targetGeocentric),
-      road(source.description, target.description,
-           normalGiven || normalColumn ? directory.height_model() : nullptr),
+      model(normalGiven || normalColumn ? directory.height_model() : nullptr),
+      road(source.description, target.description, model),
+      withHeight(road, flags(normalGiven, normalColumn), model.get(), runOptions.fast),
+      withoutHeight(road, flags(normalGiven && targetGeocentric, false), model.get(), runOptions.fast),
       plausibility(source.description) {}
+
+// Points of rows that take the same road, and what became of them.
+struct PointWriter::Together {
+    std::vector<Point> points;
+    std::vector<Row*> rows;
+    std::array<CarriedPoint, mostTogether> carried;
+};
 
 void PointWriter::lines(std::string_view text, const LineForm& form, std::uint64_t firstLine,
                         Written& written) const {
     PointLineReader reader(form);
-    PointLine read;
-    for (std::uint64_t number = firstLine; !text.empty(); ++number) {
-        const auto [line, end] = take_line(text);
-        if (is_passed_through(line)) {
-            written.text.append(line);
-        } else {
-            reader.read(line, read);
-            row(line, number, form, read, written);
+    Composer composer(form, !writesAngles, written.text);
+    std::vector<Row> rows;
+    Together together;
+    while (!text.empty()) {
+        std::size_t count = 0;
+        take_rows(text, reader, firstLine, rows, count);
+        const std::span read(rows.data(), count);
+        carry(read, together);
+        for (const Row& row : read) {
+            write_row(row, composer, written);
         }
-        written.text.append(end);
+        firstLine += count;
+    }
+}
+
+// Takes some lines from a text and reads them. rows: kept for the next ones; count: those that were read.
+void PointWriter::take_rows(std::string_view& text, PointLineReader& reader, std::uint64_t firstLine,
+                            std::vector<Row>& rows, std::size_t& count) const {
+    for (count = 0; count < mostTogether && !text.empty(); ++count) {
+        if (count == rows.size()) {
+            rows.emplace_back();
+        }
+        Row& row = rows[count];
+        const TextLine taken = take_line(text);
+        row.line = taken.text;
+        row.end = taken.end;
+        row.number = firstLine + count;
+        row.passed = is_passed_through(row.line);
+        if (!row.passed) {
+            reader.read(row.line, row.read);
+            if (row.read.error.empty() && sourceGeocentric && !row.read.hasHeight) {
+                row.read.error = "no third coordinate";
+            }
+        }
+    }
+}
+
+void PointWriter::carry(std::span<Row> rows, Together& together) const {
+    auto& [points, taken, carried] = together;
+    for (const bool hasHeight : {true, false}) {
+        points.clear();
+        taken.clear();
+        for (Row& row : rows) {
+            if (!row.passed && row.read.error.empty() && row.read.hasHeight == hasHeight) {
+                points.push_back(row.read.point);
+                taken.push_back(&row);
+            }
+        }
+        (hasHeight ? withHeight : withoutHeight).carry(points, carried);
+        for (std::size_t i = 0; i < taken.size(); ++i) {
+            taken[i]->carried = carried[i];
+        }
     }
 }
 
 void PointWriter::overlong_line(const LineForm& form, std::uint64_t line, std::size_t limit,
                                 Written& written) const {
-    PointLine read;
-    read.error = "the line is longer than " + std::to_string(limit) + " bytes";
-    row("", line, form, read, written);
-    written.text += '\n';
+    Row row;
+    row.end = "\n";
+    row.number = line;
+    row.read.error = "the line is longer than " + std::to_string(limit) + " bytes";
+    Composer composer(form, true, written.text);
+    write_row(row, composer, written);
 }
 
-void PointWriter::row(std::string_view line, std::uint64_t number, const LineForm& form, PointLine& read,
-                      Written& written) const {
-    ++written.tally.rows;
-    if (read.error.empty() && sourceGeocentric && !read.hasHeight) {
-        read.error = "no third coordinate";
-    }
-    if (read.error.empty()) {
-        if (written.warning.text.empty() && !plausibility.fits(read.point)) {
-            written.warning = {number, plausibility.likely_mistake(read.point)};
+void PointWriter::write_row(const Row& row, Composer& composer, Written& written) const {
+    if (row.passed) {
+        written.text.append(row.line);
+    } else {
+        ++written.tally.rows;
+        if (row.read.error.empty()) {
+            write_point(row, composer, written);
+        } else {
+            write_failed(row, composer, written);
         }
-        point_row(line, form, read, written);
-        return;
     }
+    written.text.append(row.end);
+}
+
+void PointWriter::write_failed(const Row& row, Composer& composer, Written& written) const {
     ++written.tally.unreadable;
     if (written.errors.size() <= mostErrors) {
-        written.errors.push_back({number, read.error});
+        written.errors.push_back({row.number, row.read.error});
     }
-    const bool hasThird = read.fields[2] || sourceGeocentric || targetGeocentric;
-    Composer(form, written.text)
-        .compose(line, read.fields, {unknown, unknown, hasThird ? unknown : "", unknown},
-                 normalColumn && read.fields[2], read.error);
+    const Fields& fields = row.read.fields;
+    const bool hasThird = fields[2] || sourceGeocentric || targetGeocentric;
+    composer.compose(row.line, fields, {unknown, unknown, hasThird ? unknown : "", unknown},
+                     normalColumn && fields[2], row.read.error);
+}
+
+// Whether its normal height is to be written.
+bool PointWriter::wants_normal(const PointLine& read) const {
+    return normalColumn && read.hasHeight;
 }
 
 std::string PointWriter::encoded(const std::string& text) const {
     return options.latin1 ? latin1(text).value_or(text) : text;
 }
 
-void PointWriter::point_row(std::string_view line, const LineForm& form, const PointLine& read,
-                            Written& written) const {
-    // Where normal heights play no part, none is asked for.
-    const bool isNormal = normalGiven && (read.hasHeight || targetGeocentric);
-    const bool normalWritten = normalColumn && read.hasHeight;
-    const CarriedPoint carried = road.carry(
-        read.point,
-        {.sourceIsNormal = isNormal, .targetWantsNormal = isNormal || normalWritten, .alsoUnasked = false});
+void PointWriter::write_point(const Row& row, Composer& composer, Written& written) const {
+    const PointLine& read = row.read;
+    const CarriedPoint& carried = row.carried;
     const auto& at = carried.at;
-
-    const char decimalMark = form.decimalComma ? ',' : '.';
-    Texts numbers;
+    if (written.warning.text.empty() && !plausibility.fits(read.point)) {
+        written.warning = {row.number, plausibility.likely_mistake(read.point)};
+    }
+    std::array<std::array<char, longestNumber>, 4> numbers;
+    std::array<std::string, 2> angles;
+    Composer::Texts texts = {unknown, unknown, "", ""};
+    const auto write = [&](std::size_t part, int decimals) {
+        char* const number = numbers[part].data();
+        texts[part] = {number, write_number(number, at[part], decimals, composer.decimalMark)};
+    };
     for (const std::size_t part : {0U, 1U}) {
-        std::string& number = numbers[part];
-        if (!carried.hasPlace) {
-            number = unknown;
-        } else if (targetGeographic && options.withSeconds) {
-            append_angle(number, at[part], options.degreeDecimals,
+        if (carried.hasPlace && writesAngles) {
+            std::string& angle = angles[part];
+            append_angle(angle, at[part], options.degreeDecimals,
                          part == 0 ? Hemisphere::latitude : Hemisphere::longitude);
-            std::replace(number.begin(), number.end(), '.', decimalMark);
-            number = encoded(number);
-        } else {
-            append_fixed(number, at[part], targetGeographic ? options.degreeDecimals : options.metreDecimals,
-                         decimalMark);
+            std::replace(angle.begin(), angle.end(), '.', composer.decimalMark);
+            angle = encoded(angle);
+            texts[part] = angle;
+        } else if (carried.hasPlace) {
+            write(part, targetGeographic ? options.degreeDecimals : options.metreDecimals);
         }
     }
     const auto writeHeight = [&](std::size_t part, bool known) {
         if (known) {
-            append_fixed(numbers[part], at[part], options.metreDecimals, decimalMark);
+            write(part, options.metreDecimals);
         } else {
-            numbers[part] = unknown;
+            texts[part] = unknown;
         }
     };
+    const bool normalWritten = wants_normal(read);
     if (read.hasHeight || targetGeocentric) {
         writeHeight(2, carried.hasHeight);
     }
@@ -306,15 +362,14 @@ void PointWriter::point_row(std::string_view line, const LineForm& form, const P
         reason = encoded(std::to_string(status) + " " + message_text(status, file));
     }
     if (options.exchanged) {
-        std::swap(numbers[0], numbers[1]);
+        std::swap(texts[0], texts[1]);
     }
-    const bool hasNormal = normalWritten || (normalColumn && read.fields[2] && form.delimiter != blanks);
-    Composer(form, written.text).compose(line, read.fields, numbers, hasNormal, reason);
+    const bool hasNormal = normalWritten || (normalColumn && read.fields[2] && composer.delimiter != blanks);
+    composer.compose(row.line, read.fields, texts, hasNormal, reason);
 }
 
-// Of the coordinates, and of the normal height.
-Texts PointWriter::names() const {
-    Texts names = {"Hochwert [m]", "Rechtswert [m]", "ellipsoidische Höhe [m]", "Normalhöhe [m]"};
+PointWriter::Names PointWriter::names() const {
+    Names names = {"Hochwert [m]", "Rechtswert [m]", "ellipsoidische Höhe [m]", "Normalhöhe [m]"};
     if (targetGeocentric) {
         names = {"X [m]", "Y [m]", "Z [m]"};
     } else if (targetGeographic) {
@@ -331,7 +386,7 @@ Texts PointWriter::names() const {
 
 std::string PointWriter::heading(std::string_view line, const LineForm& form, bool hasHeight) const {
     Fields fields = PointLineReader(form).fields_of(line);
-    Texts names = this->names();
+    Names names = this->names();
     if (!hasHeight) {
         fields[2].reset();
         names[2] = targetGeocentric ? names[2] : "";
@@ -341,13 +396,14 @@ std::string PointWriter::heading(std::string_view line, const LineForm& form, bo
             std::replace(name.begin(), name.end(), ' ', '_');
         }
     }
-    std::string text;
-    Composer(form, text).compose(line, fields, names, normalColumn && fields[2], "");
-    return text;
+    TextBuffer text;
+    Composer(form, false, text)
+        .compose(line, fields, {names[0], names[1], names[2], names[3]}, normalColumn && fields[2], "");
+    return std::string(text.view());
 }
 
 std::string PointWriter::label(const LineForm& form, bool hasHeight) const {
-    const Texts names = this->names();
+    const Names names = this->names();
     std::vector<std::string> columns;
     std::size_t last = 0;
     for (std::size_t part = 0; part < form.columns.size(); ++part) {

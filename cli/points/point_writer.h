@@ -5,20 +5,27 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "bulk/carrier.h"
 #include "bulk/directory.h"
 #include "bulk/road.h"
 #include "points/plausibility.h"
 #include "points/point_line.h"
+#include "system/text_buffer.h"
 
 namespace cli {
+
+class Composer;
 
 struct RunOptions {
     bool normalGiven = false;   // the heights of the points are normal heights
     bool normalWanted = false;  // a column of normal heights is wanted
+    bool fast = false;          // the fast calculation
     bool latin1 = false;        // what is added to the lines is in ISO 8859-1 and not in UTF-8
     int metreDecimals = 4;
     int degreeDecimals = 9;  // with minutes and seconds, of the seconds
@@ -48,7 +55,7 @@ inline constexpr std::size_t mostErrors = 20;  // that are told of a run
 
 // What the lines of one piece of a file gave.
 struct Written {
-    std::string text;
+    TextBuffer text;
     Tally tally;
     std::vector<Report> errors;  // no more than tell that there are too many
     Report warning;              // the first; an empty text for none
@@ -56,8 +63,15 @@ struct Written {
     void clear();
 };
 
-// In place of the coordinates, and behind the third one.
-using Texts = std::array<std::string, 4>;
+// A line of a file on its way to its row.
+struct Row {
+    std::string_view line;
+    std::string_view end;
+    std::uint64_t number = 0;  // of the line in its file
+    bool passed = false;       // through: no point is to be read
+    PointLine read;
+    lagestatus::CarriedPoint carried;  // if it is a point
+};
 
 // Transforms points between two systems of a data directory. Any number of threads may use one at once.
 class PointWriter {
@@ -79,11 +93,17 @@ class PointWriter {
     [[nodiscard]] std::string label(const LineForm& form, bool hasHeight) const;
 
   private:
-    void row(std::string_view line, std::uint64_t number, const LineForm& form, PointLine& read,
-             Written& written) const;
-    void point_row(std::string_view line, const LineForm& form, const PointLine& read,
-                   Written& written) const;
-    [[nodiscard]] Texts names() const;
+    using Names = std::array<std::string, 4>;  // of the coordinates, and of the normal height
+
+    void take_rows(std::string_view& text, PointLineReader& reader, std::uint64_t firstLine,
+                   std::vector<Row>& rows, std::size_t& count) const;
+    struct Together;
+    void carry(std::span<Row> rows, Together& together) const;
+    void write_row(const Row& row, Composer& composer, Written& written) const;
+    void write_failed(const Row& row, Composer& composer, Written& written) const;
+    void write_point(const Row& row, Composer& composer, Written& written) const;
+    [[nodiscard]] bool wants_normal(const PointLine& read) const;
+    [[nodiscard]] Names names() const;
     [[nodiscard]] std::string encoded(const std::string& text) const;
 
     RunOptions options;
@@ -92,9 +112,13 @@ class PointWriter {
     bool sourceGeocentric;
     bool targetGeocentric;
     bool targetGeographic;
+    bool writesAngles;  // with minutes and seconds
     bool normalGiven;   // where points have heights
     bool normalColumn;  // likewise
+    std::shared_ptr<const lagestatus::HeldHeightModel> model;
     lagestatus::Road road;
+    lagestatus::Carrier withHeight;  // of points with one, and of all to geocentric coordinates
+    lagestatus::Carrier withoutHeight;
     Plausibility plausibility;
 };
 

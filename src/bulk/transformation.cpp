@@ -9,6 +9,7 @@
 
 #include "base/caller_memory.h"
 #include "base/projection_kind.h"
+#include "bulk/carrier.h"
 
 namespace lagestatus {
 namespace {
@@ -68,13 +69,6 @@ bool wants_normal(HeightWanted wanted) noexcept {
     return wanted == HeightWanted::normal || wanted == HeightWanted::both;
 }
 
-// The part of a held model that the fast calculation looks at: none if its head cannot be read.
-fast::HeldHeights held(const HeldHeightModel* model) noexcept {
-    return model != nullptr && model->defect().status == status::ok && model->count() > 0
-               ? fast::HeldHeights{&model->header(), model->grid()}
-               : fast::HeldHeights{};
-}
-
 // What the heights are on the road of every point.
 HeightFlags flags_of(bool sourceGeocentric, bool targetGeocentric,
                      const TransformationOptions& how) noexcept {
@@ -118,7 +112,7 @@ Transformation::Transformation(const SystemDescription& source, const SystemDesc
       sourceGeocentric(is_geocentric(source)),
       targetGeocentric(is_geocentric(target)),
       flags(flags_of(sourceGeocentric, targetGeocentric, how)),
-      fastRoad(how.fast ? fast::FastRoad(road.source(), road.target(), flags, held(model.get()))
+      fastRoad(how.fast ? fast::FastRoad(road.source(), road.target(), flags, fast_heights(model.get()))
                         : fast::FastRoad()) {}
 
 bool Transformation::needs_third_input() const noexcept {
