@@ -80,14 +80,16 @@ struct Lanes {
 
     [[nodiscard, gnu::always_inline]] static Lanes load(const double* from) noexcept {
         Lanes lanes;
-        for (int i = 0; i < count; ++i) {  // all at once GCC copies by halves, and then waits for them
-            __builtin_memcpy(&lanes.part[i], from + i * width, sizeof lanes.part[i]);
+        for (Vector& each : lanes.part) {  // all at once GCC copies by halves, and then waits for them
+            __builtin_memcpy(&each, from, sizeof each);
+            from += width;
         }
         return lanes;
     }
     [[gnu::always_inline]] void store(double* to) const noexcept {
-        for (int i = 0; i < count; ++i) {
-            __builtin_memcpy(to + i * width, &part[i], sizeof part[i]);
+        for (const Vector& each : part) {
+            __builtin_memcpy(to, &each, sizeof each);
+            to += width;
         }
     }
 
