@@ -12,6 +12,22 @@ fast::HeldHeights fast_heights(const HeldHeightModel* model) noexcept {
                : fast::HeldHeights{};
 }
 
+CarriedPoint carried_point(const fast::Block& block, int number, const Road& road,
+                           HeightFlags flags) noexcept {
+    const auto at = [number](const fast::Triple& triple) {
+        return Point{triple.first[number], triple.second[number], triple.third[number]};
+    };
+    const auto [x, y, z] = at(block.reached);
+    if (!block.leaves(number)) {
+        return {status::ok, {x, y, z, block.normal[number]}, true, true, true};
+    }
+    CarriedPoint point = road.carry(at(block.given), flags);
+    if (block.outside[number] == 0.0 && point.hasPlace && point.hasHeight) {
+        point.at = {x, y, z, point.at[3]};  // the same place as without a normal height
+    }
+    return point;
+}
+
 Carrier::Carrier(const Road& onRoad, HeightFlags heights, const HeldHeightModel* model, bool isFast)
     : road(onRoad),
       flags(heights),
@@ -35,11 +51,7 @@ void Carrier::carry(std::span<const Point> points, std::span<CarriedPoint> resul
         }
         fastRoad.carry(block, static_cast<int>(count));
         for (std::size_t i = 0; i < count; ++i) {
-            const auto& [x, y, z] = block.reached;
-            results[first + i] =
-                block.outside[i] == 0.0
-                    ? CarriedPoint{status::ok, {x[i], y[i], z[i], block.normal[i]}, true, true, true}
-                    : road.carry(points[first + i], flags);
+            results[first + i] = carried_point(block, static_cast<int>(i), road, flags);
         }
     }
 }

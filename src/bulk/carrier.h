@@ -13,6 +13,10 @@ class HeldHeightModel;
 // What the fast calculation looks at of a model: nothing of none, or of one whose head cannot be read.
 [[nodiscard]] fast::HeldHeights fast_heights(const HeldHeightModel* model) noexcept;
 
+// A point of a block that the fast road has carried, number of them; what it leaves comes from the reference road.
+[[nodiscard]] CarriedPoint carried_point(const fast::Block& block, int number, const Road& road,
+                                         HeightFlags flags) noexcept;
+
 // For one choice of heights. Nothing changes once it is made.
 class Carrier {
   public:

@@ -181,11 +181,13 @@ void Transformation::carry_block(Work& work, std::size_t first, int count,
     const auto height = [](bool isThere, const double* column) { return isThere ? column : nullptr; };
     write_column(work.output[2], first, count, height(has_third_output(), block.reached.third));
     write_column(work.output[3], first, count, height(has_normal_output(), block.normal));
+    if (!block.leavesSome && work.statuses == nullptr) {
+        return;
+    }
     for (int i = 0; i < count; ++i) {
         const std::size_t number = first + static_cast<std::size_t>(i);
-        if (block.outside[i] != 0.0) {
-            const auto& [northing, easting, third] = block.given;
-            write_point(work, number, road.carry({northing[i], easting[i], third[i]}, flags));
+        if (block.leaves(i)) {
+            write_point(work, number, carried_point(block, i, road, flags));
         } else if (work.statuses != nullptr) {
             store<int>(work.statuses, number, status::ok);
         }

@@ -6,15 +6,18 @@
 
 namespace lagestatus::fast {
 
-// A polynomial by Horner's rule, the lowest power first.
+// A polynomial, the lowest power first; even and odd powers by Horner's rule each, side by side.
 template <typename Real, int count>
 [[nodiscard, gnu::always_inline]] inline Real polynomial(const double (&coefficients)[count],
                                                          const Real& x) noexcept {
-    Real sum = coefficients[count - 1];
-    for (int i = count - 2; i >= 0; --i) {
-        sum = sum * x + coefficients[i];
+    const Real square = x * x;
+    Real last = coefficients[count - 1];
+    Real before = coefficients[count - 2];
+    for (int i = count - 3; i > 0; i -= 2) {
+        last = last * square + coefficients[i];
+        before = before * square + coefficients[i - 1];
     }
-    return sum;
+    return count % 2 == 0 ? before + x * last : coefficients[0] + x * (before + x * last);
 }
 
 // A direction: sine and cosine of an angle.
@@ -49,13 +52,36 @@ template <typename Real>
     return {y * inverse, x * inverse};
 }
 
-// Of a rest below a right angle's half, and the number of right angles that were taken off, below 2^20.
+// The direction of an angle in radians, at most half a right angle.
 template <typename Real>
-[[nodiscard, gnu::always_inline]] inline Direction<Real> reduced_direction(const Real& rest,
-                                                                           const Real& quadrant) noexcept {
-    const Real square = rest * rest;
-    const Real sine = rest + rest * square * polynomial(sineRest, square);
-    const Real cosine = (1.0 - 0.5 * square) + square * square * polynomial(cosineRest, square);
+[[nodiscard, gnu::always_inline]] inline Direction<Real> direction_of_short(const Real& angle) noexcept {
+    const Real square = angle * angle;
+    return {angle + angle * square * polynomial(sineRest, square),
+            (1.0 - 0.5 * square) + square * square * polynomial(cosineRest, square)};
+}
+
+// The direction of an angle in radians, at most a right angle; a cosine near 0 keeps its digits.
+template <typename Real>
+[[nodiscard, gnu::always_inline]] inline Direction<Real> direction_of_latitude(const Real& angle) noexcept {
+    const auto [sine, cosine] = direction_of_short(angle * 0.5);
+    return {(sine + sine) * cosine, (cosine - sine) * (cosine + sine)};
+}
+
+// The direction of an angle in degrees, at most 180; folded into a quadrant, exactly, before it is turned into radians.
+template <typename Real>
+[[nodiscard, gnu::always_inline]] inline Direction<Real> direction_of_degrees(const Real& degrees) noexcept {
+    const auto isFar = magnitude(degrees) > 90.0;
+    const auto [sine, cosine] = direction_of_latitude(
+        select(isFar, signed_by(Real(180.0), degrees) - degrees, degrees) * radiansOfDegree);
+    return {sine, select(isFar, -cosine, cosine)};
+}
+
+// The direction of an angle in radians, at most 10^5: the reduction is exact to 2^-64. For what is computed once.
+template <typename Real>
+[[nodiscard, gnu::always_inline]] inline Direction<Real> direction_of_angle(const Real& angle) noexcept {
+    const Real quadrant = nearest_integer(angle * (1.0 / rightAngle));
+    const auto [sine, cosine] = direction_of_short(
+        ((angle - quadrant * rightAngleHigh) - quadrant * rightAngleMiddle) - quadrant * rightAngleLow);
     const Real q = quadrant - 4.0 * nearest_integer(quadrant * 0.25);  // -2 to 2
     const auto isOdd = magnitude(magnitude(q) - 1.0) < 0.5;
     const Real s = select(isOdd, cosine, sine);
@@ -63,68 +89,43 @@ template <typename Real>
     return {select((q > 1.5) | (q < -0.5), -s, s), select((q > 0.5) | (q < -1.5), -c, c)};
 }
 
-// The direction of an angle in radians, at most 10^5: the reduction is exact to 2^-64.
-template <typename Real>
-[[nodiscard, gnu::always_inline]] inline Direction<Real> direction_of_angle(const Real& angle) noexcept {
-    const Real quadrant = nearest_integer(angle * (1.0 / rightAngle));
-    const Real rest =
-        ((angle - quadrant * rightAngleHigh) - quadrant * rightAngleMiddle) - quadrant * rightAngleLow;
-    return reduced_direction(rest, quadrant);
-}
-
-// The direction of an angle in degrees, at most 10^6, reduced before it is turned into radians: exactly.
-template <typename Real>
-[[nodiscard, gnu::always_inline]] inline Direction<Real> direction_of_degrees(const Real& degrees) noexcept {
-    const Real quadrant = nearest_integer(degrees * (1.0 / 90.0));
-    return reduced_direction((degrees - quadrant * 90.0) * radiansOfDegree, quadrant);
-}
-
-// The direction of an angle below 0.02, by the first terms of its series: within 10^-17.
+// The direction of an angle below 0.006, by the first terms of its series: within 7e-17.
 template <typename Real>
 [[nodiscard, gnu::always_inline]] inline Direction<Real> direction_of_small(const Real& angle) noexcept {
     const Real square = angle * angle;
     return {angle - angle * square * (1.0 / 6.0 - square * (1.0 / 120.0)),
-            1.0 - square * (0.5 - square * (1.0 / 24.0 - square * (1.0 / 720.0)))};
+            1.0 - square * (0.5 - square * (1.0 / 24.0))};
 }
 
-// The angle of a direction, radians from -pi to pi; its sine and cosine may have any common positive factor, and are
-// not both 0. It is folded into the first half of a quadrant and turned back by 0, pi / 8 or pi / 4, so that a short
-// arc is left.
+// The angle of a direction whose cosine is not negative, radians from -pi / 2 to pi / 2; sine and cosine may have any
+// common positive factor, and are not both 0. Folded into the first half of a quadrant, and there turned back by pi / 4
+// from pi / 8 on, so that a short arc is left.
+template <typename Real>
+[[nodiscard, gnu::always_inline]] inline Real arc_of_latitude(const Real& sine, const Real& cosine) noexcept {
+    const Real absSine = magnitude(sine);
+    const auto isSteep = absSine > cosine;
+    const Real y = select(isSteep, cosine, absSine);
+    const Real x = select(isSteep, absSine, cosine);
+    const auto isUpper = y > x * tangentOfEighth;
+    const Real t = select(isUpper, y - x, y) / select(isUpper, y + x, x);
+    const Real square = t * t;
+    const Real rest = t * square * polynomial(arcTangentRest, square);
+    const Real shallow = select(isUpper, Real(quarter), Real(0.0)) + (t + rest);
+    return signed_by(select(isSteep, rightAngle - shallow, shallow), sine);
+}
+
+// The angle of any direction, radians from -pi to pi.
 template <typename Real>
 [[nodiscard, gnu::always_inline]] inline Real arc(const Real& sine, const Real& cosine) noexcept {
-    const Real absSine = magnitude(sine);
-    const Real absCosine = magnitude(cosine);
-    const auto isSteep = absSine > absCosine;
-    const Real y = select(isSteep, absCosine, absSine);
-    const Real x = select(isSteep, absSine, absCosine);
-    const auto isMiddle = y > x * tangentOfSixteenth;
-    const auto isUpper = y > x * tangentOfThreeSixteenths;
-    const Real turnSine =
-        select(isUpper, Real(sineOfQuarter), select(isMiddle, Real(sineOfEighth), Real(0.0)));
-    const Real turnCosine =
-        select(isUpper, Real(sineOfQuarter), select(isMiddle, Real(cosineOfEighth), Real(1.0)));
-    const Real turn = select(isUpper, Real(quarter), select(isMiddle, Real(eighth), Real(0.0)));
-    const Real t = (y * turnCosine - x * turnSine) / (x * turnCosine + y * turnSine);
-    const Real square = t * t;
-    const Real shallow = turn + (t + t * square * polynomial(arcTangentRest, square));
-    const Real quadrant = select(isSteep, rightAngle - shallow, shallow);
-    const Real half = select(cosine < 0.0, straightAngle - quadrant, quadrant);
-    return select(sine < 0.0, -half, half);
+    const Real near = arc_of_latitude(sine, magnitude(cosine));
+    return select(cosine < 0.0, signed_by(Real(straightAngle), sine) - near, near);
 }
 
-// A sum of count coefficients times sin 2 x, sin 4 x, ..., by Clenshaw's recurrence.
-template <typename Real>
-[[nodiscard, gnu::always_inline]] inline Real sine_sum(const double* coefficients, int count,
+// sin 2x P(cos 2x), which a sum of terms in sin 2x, sin 4x, ... becomes.
+template <typename Real, int count>
+[[nodiscard, gnu::always_inline]] inline Real sine_sum(const double (&coefficients)[count],
                                                        const Direction<Real>& doubledAngle) noexcept {
-    const Real twice = doubledAngle.cosine + doubledAngle.cosine;
-    Real next = 0.0;
-    Real sum = coefficients[count - 1];
-    for (int i = count - 2; i >= 0; --i) {
-        const Real before = twice * sum - next + coefficients[i];
-        next = sum;
-        sum = before;
-    }
-    return sum * doubledAngle.sine;
+    return doubledAngle.sine * polynomial(coefficients, doubledAngle.cosine);
 }
 
 }  // namespace lagestatus::fast

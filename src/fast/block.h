@@ -3,7 +3,7 @@
 
 namespace lagestatus::fast {
 
-inline constexpr int blockSize = 256;  // a multiple of every size of lanes
+inline constexpr int blockSize = 128;  // a multiple of every size of lanes
 
 // A triple of columns.
 struct alignas(64) Triple {
@@ -27,6 +27,16 @@ struct alignas(64) Block {
     // All bits set (a NaN) where the point is outside the domain of a stage, else 0: it takes the reference road, and
     // what the columns behind given hold of it means nothing.
     double outside[blockSize];
+
+    // Likewise where no normal height was found that the place does not hang on.
+    double heightless[blockSize];
+
+    // Whether a point is left to the reference road, at least its normal height.
+    [[nodiscard]] bool leaves(int point) const noexcept {
+        return outside[point] != 0.0 || heightless[point] != 0.0;
+    }
+
+    bool leavesSome;  // whether there is such a point
 
     // The strips that most points are in, or NaN: of plane coordinates given and reached.
     double zoneGiven;

@@ -31,9 +31,9 @@ Turn turn_by(double angle) noexcept {
     return {direction.sine.part[0][0], direction.cosine.part[0][0]};
 }
 
-// Whether all numbers are ordinary ones: no product or sum of theirs leaves the range of doubles.
+// Whether all numbers are ordinary ones: no sum or product of theirs leaves the range of doubles, or loses a micrometre.
 bool are_ordinary(std::span<const double> numbers) noexcept {
-    constexpr double largest = 1e12;
+    constexpr double largest = 1e8;
     return std::all_of(numbers.begin(), numbers.end(),
                        [](double number) { return std::fabs(number) < largest; });
 }
@@ -143,7 +143,7 @@ bool fill_meridians(const ZoneLayout& zones, bool hasStrips, PlaneSide& side) no
     side.width = static_cast<double>(zones.width);
     side.offset = static_cast<double>(zones.offset);
     if (zones.width < 180) {
-        constexpr double margin = 1e-9;  // degrees: three times what the border takes
+        constexpr double margin = 1e-7;  // degrees: more than what any border takes
         side.sineOfHalf = turn_by((side.width * 0.5 - margin) * degree).sine;
     }
     for (int zone = -1100; zone <= 1100 && meridians.count < Meridians::most; ++zone) {
@@ -160,7 +160,6 @@ bool fill_meridians(const ZoneLayout& zones, bool hasStrips, PlaneSide& side) no
 bool fill_plane(const Side& from, bool isTarget, PlaneSide& side) noexcept {
     using namespace slot;
     const Parameters p = from.parameters;
-    side.isSoldner = from.kind == ProjectionKind::soldner;
     side.series = PlaneSeries(from.ellipsoid, p[latitudeOfOrigin]);
     side.hasStrips = from.traits.hasStrips;
     if (!side.series.serves || !are_ordinary(p.first(translationY)) ||
@@ -168,7 +167,7 @@ bool fill_plane(const Side& from, bool isTarget, PlaneSide& side) noexcept {
         !fill_meridians(from.zones, side.hasStrips, side)) {
         return false;
     }
-    side.hasScale = p[planeScale] != 1.0;
+    side.hasScale = has_scale(p);
     side.hasSimilarity = has_similarity(p);
     side.complement = p[decadicComplement];
     side.additiveX = p[additiveX];
@@ -214,6 +213,9 @@ bool fill_heights(const HeldHeights& from, HeightGrid& grid) noexcept {
     }
     grid.bessel = EllipsoidTerms(model.bessel);
     grid.grs80 = EllipsoidTerms(model.grs80);
+    if (!are_ordinary(model.datum)) {
+        return false;
+    }
     grid.fromBessel = space_step(model.datum);
     grid.hasFundamentalPoint = model.phiR > 0.0 && model.lamR > 0.0;
     if (grid.hasFundamentalPoint) {
@@ -252,6 +254,8 @@ bool fill(const Side& source, const Side& target, HeightFlags flags, const HeldH
         (target.traits.isPlane && !fill_plane(target, true, plan.target))) {
         return false;
     }
+    // Soldner coordinates beside their meridian are up to 0.3 mm off in the reference calculation.
+    plan.border = source.kind == ProjectionKind::soldner ? 3e-8 : 3e-10;
     plan.sourceEllipsoid = EllipsoidTerms(source.ellipsoid);
     plan.targetEllipsoid = EllipsoidTerms(target.ellipsoid);
 
@@ -281,6 +285,10 @@ bool fill(const Side& source, const Side& target, HeightFlags flags, const HeldH
     const bool passes = same && sameAxes && !fromSpace && !toSpace && !plan.iterates && !plan.wantedInBessel;
     plan.throughSpace = !unchanged && !passes;
     plan.mirrors = !unchanged && passes;
+    if (plan.throughSpace && !(are_ordinary(source.parameters.subspan<slot::translationY>()) &&
+                               are_ordinary(target.parameters.subspan<slot::translationY>()))) {
+        return false;
+    }
     if (!source.bessel) {
         plan.toBessel = space_step(source.parameters);
     }

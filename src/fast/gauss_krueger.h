@@ -16,9 +16,11 @@ namespace lagestatus::fast {
 
 // The domain: where the polynomials hold, with the accuracy that docs/accuracy.md tells.
 inline constexpr double mostSideways = 0.477;  // |cos phi sin(lam - lam0)|: 28 degrees beside the meridian
-inline constexpr double leastCosine = 0.7071067811865476;  // of lam - lam0: 45 degrees
-inline constexpr double mostEta = 0.53;                    // beyond what mostSideways becomes
-inline constexpr double leastCosineOfLatitude = 0.0175;    // 89 degrees
+// Of lam - lam0: 44 degrees. From 45 on the reference calculation takes the longitude's complement.
+inline constexpr double leastCosine = 0.7193398003386512;
+inline constexpr double mostXi = 1.57;                   // the pole is a little farther
+inline constexpr double mostEta = 0.53;                  // beyond what mostSideways becomes
+inline constexpr double leastCosineOfLatitude = 0.0175;  // 89 degrees
 
 template <typename Real>
 struct Plane {
@@ -33,33 +35,33 @@ struct Place {
     Direction<Real> dLam;
 };
 
-// The sum of c_k sin 2kz for a complex z, by the complex Clenshaw recurrence (Karney 2011, section 4).
+// sin 2z P(cos 2z) for a complex z: what sine_sum is for a real one.
 template <typename Real>
 struct ComplexSum {
-    // Given:    c             coefficients
+    // Given:    p             coefficients of P
     //           angle         sine and cosine of the doubled real part of z
     //           sinh, cosh    of its doubled imaginary part
-    [[gnu::always_inline]] ComplexSum(const Coefficients& c, const Direction<Real>& angle, const Real& sinh,
+    [[gnu::always_inline]] ComplexSum(const Coefficients& p, const Direction<Real>& angle, const Real& sinh,
                                       const Real& cosh) noexcept {
-        // 2 cos 2z
-        const Real cr = 2.0 * (angle.cosine * cosh);
-        const Real ci = -2.0 * (angle.sine * sinh);
-        Real r = c.of[seriesOrder - 1];
-        Real i = 0.0;
-        Real nextR = 0.0;
-        Real nextI = 0.0;
-        for (int k = seriesOrder - 2; k >= 0; --k) {
-            const Real beforeR = cr * r - ci * i - nextR + c.of[k];
-            const Real beforeI = cr * i + ci * r - nextI;
-            nextR = r;
-            nextI = i;
-            r = beforeR;
-            i = beforeI;
+        const Real cosineR = angle.cosine * cosh;
+        const Real minusCosineI = angle.sine * sinh;
+        // P by the division by z^2 - 2 Re(z) z + |z|^2, in real numbers alone: D. E. Knuth, The Art of Computer
+        // Programming, vol. 2, section 4.6.4, equation 3.
+        const Real twice = cosineR + cosineR;
+        const Real square = cosineR * cosineR + minusCosineI * minusCosineI;
+        Real next = p.of[seriesOrder - 1];
+        Real sum = twice * next + p.of[seriesOrder - 2];
+        for (int k = seriesOrder - 3; k > 0; --k) {
+            const Real before = twice * sum + (p.of[k] - square * next);
+            next = sum;
+            sum = before;
         }
-        const Real sr = angle.sine * cosh;
-        const Real si = angle.cosine * sinh;
-        real = sr * r - si * i;
-        imaginary = sr * i + si * r;
+        const Real r = cosineR * sum + (p.of[0] - square * next);
+        const Real minusI = minusCosineI * sum;
+        const Real sineR = angle.sine * cosh;
+        const Real sineI = angle.cosine * sinh;
+        real = sineR * r + sineI * minusI;
+        imaginary = sineI * r - sineR * minusI;
     }
 
     Real real;
@@ -74,8 +76,7 @@ template <typename Real>
 [[nodiscard, gnu::always_inline]] inline Plane<Real> geographic_to_krueger(
     const PlaneSeries& series, const Place<Real>& place, typename Real::Mask& inside) noexcept {
     const auto& [phi, dLam] = place;
-    const Direction<Real> chi =
-        turned(phi, direction_of_small(sine_sum(series.conformal.of, seriesOrder, doubled(phi))));
+    const Direction<Real> chi = turned(phi, direction_of_small(sine_sum(series.conformal.of, doubled(phi))));
     const Real t = chi.cosine * dLam.sine;
     inside =
         (magnitude(t) < mostSideways) & (dLam.cosine > leastCosine) & (phi.cosine > leastCosineOfLatitude);
@@ -86,7 +87,7 @@ template <typename Real>
     const Direction<Real> doubledXi = {2.0 * chi.sine * cosine * inverse,
                                        (cosine - chi.sine) * (cosine + chi.sine) * inverse};
     const ComplexSum<Real> sum(series.krueger, doubledXi, 2.0 * t * inverse, (1.0 + square) * inverse);
-    const Real xi = arc(chi.sine, cosine) + sum.real;
+    const Real xi = arc_of_latitude(chi.sine, cosine) + sum.real;
     const Real eta = (t + t * square * polynomial(arTanhRest, square)) + sum.imaginary;
     return {xi * series.radius - series.arcOfOrigin, eta * series.radius};
 }
@@ -95,10 +96,10 @@ template <typename Real>
 template <typename Real>
 [[nodiscard, gnu::always_inline]] inline Place<Real> krueger_to_geographic(
     const PlaneSeries& series, const Plane<Real>& plane, typename Real::Mask& inside) noexcept {
-    const Real xi = (plane.northing + series.arcOfOrigin) * (1.0 / series.radius);
-    const Real eta = plane.easting * (1.0 / series.radius);
-    inside = (magnitude(xi) < 1.58) & (magnitude(eta) < mostEta);
-    const Direction<Real> angle = direction_of_angle(xi);
+    const Real xi = (plane.northing + series.arcOfOrigin) * series.perRadius;
+    const Real eta = plane.easting * series.perRadius;
+    inside = (magnitude(xi) < mostXi) & (magnitude(eta) < mostEta);
+    const Direction<Real> angle = direction_of_latitude(xi);
     const Real square = eta * eta;
     const Real sinh = eta + eta * square * polynomial(sinhRest, square);
     const Real cosh = square_root(1.0 + sinh * sinh);
@@ -119,7 +120,7 @@ template <typename Real>
     const Real inverseQ = inverse * coshS;
     const Direction<Real> chi = {xiS.sine * inverseCosh, q * inverseCosh};
     const Direction<Real> phi =
-        turned(chi, direction_of_small(sine_sum(series.fromConformal.of, seriesOrder, doubled(chi))));
+        turned(chi, direction_of_small(sine_sum(series.fromConformal.of, doubled(chi))));
     const Direction<Real> dLam = {sinhS * inverseQ, xiS.cosine * inverseQ};
     inside = inside & (dLam.cosine > leastCosine) & (phi.cosine > leastCosineOfLatitude);
     return {phi, dLam};

@@ -15,10 +15,6 @@ template <typename Real>
 struct Kernel {
     using Mask = typename Real::Mask;
 
-    // So near to where the reference calculation decides between two strips or two cells of the grid, it decides
-    // itself: ten times the difference between the two calculations.
-    static constexpr double border = 3e-10;  // degrees: 0.03 mm
-
     // Carries the points of a block. Given: count, at most blockSize; the columns given, up to the next multiple of the
     // lanes' size. Returned: reached and normal where outside is 0.
     static void carry(const Plan& plan, Block& block, int count) noexcept {
@@ -30,6 +26,7 @@ struct Kernel {
         block.zoneGiven = block.zoneReached = noZone;
         each([](int at, Block& points) {
             Real(0.0).store(points.outside + at);
+            Real(0.0).store(points.heightless + at);
             Real::load(points.given.third + at).store(points.normal + at);
         });
         switch (plan.sourceKind) {
@@ -62,10 +59,10 @@ struct Kernel {
         }
         switch (plan.targetKind) {
             case ProjectionKind::gaussKrueger:
-                each([&plan](int at, Block& points) { to_plane<false>(plan.target, points, at); });
+                each([&plan](int at, Block& points) { to_plane<false>(plan, points, at); });
                 break;
             case ProjectionKind::soldner:
-                each([&plan](int at, Block& points) { to_plane<true>(plan.target, points, at); });
+                each([&plan](int at, Block& points) { to_plane<true>(plan, points, at); });
                 break;
             case ProjectionKind::geographic:
                 each([](int at, Block& points) { to_degrees(points, at); });
@@ -73,12 +70,18 @@ struct Kernel {
             default:
                 break;
         }
+        block.leavesSome = false;
+        each([](int at, Block& points) {
+            const Mask stays =
+                (Real::load(points.outside + at) <= 0.0) & (Real::load(points.heightless + at) <= 0.0);
+            points.leavesSome = points.leavesSome || (~stays).any();
+        });
     }
 
   private:
-    static void mark(Block& block, int at, const Mask& inside) noexcept {
-        const Real before = Real::load(block.outside + at);
-        select(inside, before, all_bits()).store(block.outside + at);
+    [[gnu::always_inline]] static void mark(double* column, const Mask& inside) noexcept {
+        const Real before = Real::load(column);
+        select(inside, before, all_bits()).store(column);
     }
     [[gnu::always_inline]] static Real all_bits() noexcept {
         Real bits = 0.0;
@@ -115,8 +118,8 @@ struct Kernel {
         const Real phi = Real::load(block.given.first + at);
         const Real lam = Real::load(block.given.second + at);
         const Real h = Real::load(block.given.third + at);
-        mark(block, at, (magnitude(phi) < 89.0) & (magnitude(lam) < 180.0) & is_height(h));
-        store_place(block, at, {direction_of_degrees(phi), direction_of_degrees(lam), h});
+        mark(block.outside + at, (magnitude(phi) < 89.0) & (magnitude(lam) < 180.0) & is_height(h));
+        store_place(block, at, {direction_of_latitude(phi * radiansOfDegree), direction_of_degrees(lam), h});
     }
 
     // Beyond these the reference calculation may fail; also false where there is no number.
@@ -126,7 +129,7 @@ struct Kernel {
 
     [[gnu::always_inline]] static void to_degrees(Block& block, int at) noexcept {
         const HighPlace<Real> place = load_place(block, at);
-        (arc(place.phi.sine, place.phi.cosine) * degreesOfRadian).store(block.reached.first + at);
+        (arc_of_latitude(place.phi.sine, place.phi.cosine) * degreesOfRadian).store(block.reached.first + at);
         (arc(place.lam.sine, place.lam.cosine) * degreesOfRadian).store(block.reached.second + at);
         place.h.store(block.reached.third + at);
     }
@@ -229,12 +232,13 @@ struct Kernel {
         } else {
             place = krueger_to_geographic(side.series, Plane<Real>{X, Y}, mapped);
         }
-        mark(block, at, inside & mapped);
+        mark(block.outside + at, inside & mapped);
         store_place(block, at, {place.phi, turned(meridian, place.dLam), h});
     }
 
     template <bool isSoldner>
-    [[gnu::always_inline]] static void to_plane(const PlaneSide& side, Block& block, int at) noexcept {
+    [[gnu::always_inline]] static void to_plane(const Plan& plan, Block& block, int at) noexcept {
+        const PlaneSide& side = plan.target;
         const HighPlace<Real> place = load_place(block, at);
         Mask inside = place.h >= place.h;
         Direction<Real> meridian = {side.meridians.sine[0], side.meridians.cosine[0]};
@@ -250,7 +254,7 @@ struct Kernel {
                 zone = truncated(strip);
                 meridian = meridian_of(side, zone, inside, block.zoneReached);
                 const Real beyond = magnitude(strip - nearest_integer(strip));
-                inside = inside & (beyond * side.width > border);
+                inside = inside & (beyond * side.width > plan.border);
                 dLam = turned_back(place.lam, meridian);
             }
         }
@@ -275,6 +279,10 @@ struct Kernel {
         }
         if (side.complement != 0.0) {
             const double d = side.complement;
+            constexpr double nearest =
+                0.01;  // metres, to where the complement begins: far beyond what may differ
+            inside = inside & (magnitude(X) > nearest) & (magnitude(X + d * 0.5) > nearest) &
+                     (magnitude(Y) > nearest) & (magnitude(Y + d * 0.5) > nearest);
             Y = select((Y < 0.0) & (-Y < d * 0.5), Y + d, Y);
             X = select((X < 0.0) & (-X < d * 0.5), X + d, X);
         }
@@ -284,7 +292,7 @@ struct Kernel {
             Y = (Y - side.originY) / side.scale + side.originY;
             X = (X - side.originX) / side.scale + side.originX;
         }
-        mark(block, at, inside & mapped);
+        mark(block.outside + at, inside & mapped);
         X.store(block.reached.first + at);
         Y.store(block.reached.second + at);
         place.h.store(block.reached.third + at);
@@ -320,13 +328,16 @@ struct Kernel {
                 const HighPlace<Real> onBessel =
                     from_geocentric(plan.heights.bessel, carried(plan.toBessel, point), found);
                 Mask has;
-                const Real zeta = anomaly(plan.heights, onBessel, has);
-                inside = inside & found & has;
+                const Real zeta = anomaly(plan, onBessel, has);
+                inside = inside & found;
                 if (!plan.iterates) {
                     (onBessel.h - zeta).store(block.normal + at);
+                    mark(block.heightless + at, has);
                     break;
                 }
                 const Real missing = given - onBessel.h + zeta;
+                // So near to the tolerance the reference calculation might make a pass more, or less.
+                inside = inside & has & (magnitude(magnitude(missing) - tolHeight) > 1e-5);
                 const Mask goesOn = inside & (magnitude(missing) > tolHeight);
                 open = pass == 1 ? goesOn : open & goesOn;
                 if (!open.any()) {
@@ -353,7 +364,7 @@ struct Kernel {
             store_place(block, at, from_geocentric(plan.targetEllipsoid, point, found));
             inside = inside & found;
         }
-        mark(block, at, inside);
+        mark(block.outside + at, inside);
     }
 
     // A normal height by the anomaly of the place that the block is at: given, it becomes ellipsoidal.
@@ -361,18 +372,19 @@ struct Kernel {
                                                               bool isGiven) noexcept {
         HighPlace<Real> place = load_place(block, at);
         Mask inside;
-        const Real zeta = anomaly(plan.heights, place, inside);
+        const Real zeta = anomaly(plan, place, inside);
         if (isGiven) {
             (place.h + zeta).store(block.h + at);
+            mark(block.outside + at, inside);
         } else {
             (place.h - zeta).store(block.normal + at);
+            mark(block.heightless + at, inside);
         }
-        mark(block, at, inside);
     }
 
     // Degrees on one axis of the grid, to the number of the value before and the share of the way to the next.
-    [[gnu::always_inline]] static Real index_on(const HeightAxis& axis, const Real& degrees, Real& share,
-                                                Mask& inside) noexcept {
+    [[gnu::always_inline]] static Real index_on(const HeightAxis& axis, double border, const Real& degrees,
+                                                Real& share, Mask& inside) noexcept {
         const Real index = truncated((degrees - axis.smallest) / axis.spacing);
         share = (degrees - index * axis.spacing - axis.smallest) / axis.spacing;
         const double lastCell = axis.count - 2;
@@ -383,19 +395,21 @@ struct Kernel {
     }
 
     // The height anomaly of a place on the Bessel ellipsoid: heights/height_anomaly.cpp.
-    [[gnu::always_inline]] static Real anomaly(const HeightGrid& grid, const HighPlace<Real>& onBessel,
+    [[gnu::always_inline]] static Real anomaly(const Plan& plan, const HighPlace<Real>& onBessel,
                                                Mask& inside) noexcept {
+        const HeightGrid& grid = plan.heights;
         const SpacePoint<Real> point =
             to_geocentric(grid.bessel, HighPlace<Real>{onBessel.phi, onBessel.lam, 0.0});
         const HighPlace<Real> place = from_geocentric(grid.grs80, carried(grid.fromBessel, point), inside);
         Real s;
         Real t;
         Mask onAxis;
-        const Real column =
-            index_on(grid.longitude, arc(place.lam.sine, place.lam.cosine) * degreesOfRadian, s, onAxis);
+        const Real column = index_on(grid.longitude, plan.border,
+                                     arc(place.lam.sine, place.lam.cosine) * degreesOfRadian, s, onAxis);
         inside = inside & onAxis;
         const Real row =
-            index_on(grid.latitude, arc(place.phi.sine, place.phi.cosine) * degreesOfRadian, t, onAxis);
+            index_on(grid.latitude, plan.border,
+                     arc_of_latitude(place.phi.sine, place.phi.cosine) * degreesOfRadian, t, onAxis);
         inside = inside & onAxis;
         double columns[Real::size];
         double rows[Real::size];

@@ -60,6 +60,21 @@ struct Lanes {
             for (int i = 1; i < count; ++i) {
                 all |= part[i];
             }
+#if defined(__AVX512F__)
+            if constexpr (width == 8) {
+                return _mm512_test_epi64_mask((__m512i)all, (__m512i)all) != 0;
+            }
+#endif
+#if defined(__AVX__)
+            if constexpr (width == 4) {
+                return _mm256_movemask_pd((__m256d)all) != 0;
+            }
+#endif
+#if defined(__SSE2__)
+            if constexpr (width == 2) {
+                return _mm_movemask_pd((__m128d)all) != 0;
+            }
+#endif
             std::int64_t found = 0;
             for (int lane = 0; lane < width; ++lane) {
                 found |= all[lane];
@@ -132,10 +147,8 @@ template <int width, int count>
 [[nodiscard, gnu::always_inline]] inline Lanes<width, count> select(
     const typename Lanes<width, count>::Mask& mask, Lanes<width, count> yes,
     const Lanes<width, count>& no) noexcept {
-    using Bits = typename Lanes<width, count>::Bits;
-    using Vector = typename Lanes<width, count>::Vector;
     for (int i = 0; i < count; ++i) {
-        yes.part[i] = (Vector)((mask.part[i] & (Bits)yes.part[i]) | (~mask.part[i] & (Bits)no.part[i]));
+        yes.part[i] = mask.part[i] ? yes.part[i] : no.part[i];
     }
     return yes;
 }
@@ -174,6 +187,18 @@ template <int width, int count>
     using Vector = typename Lanes<width, count>::Vector;
     for (int i = 0; i < count; ++i) {
         value.part[i] = (Vector)((Bits)value.part[i] & INT64_MAX);
+    }
+    return value;
+}
+
+// The first where the sign of the second is positive, else its negative.
+template <int width, int count>
+[[nodiscard, gnu::always_inline]] inline Lanes<width, count> signed_by(
+    Lanes<width, count> value, const Lanes<width, count>& sign) noexcept {
+    using Bits = typename Lanes<width, count>::Bits;
+    using Vector = typename Lanes<width, count>::Vector;
+    for (int i = 0; i < count; ++i) {
+        value.part[i] = (Vector)((Bits)value.part[i] ^ ((Bits)sign.part[i] & INT64_MIN));
     }
     return value;
 }

@@ -30,7 +30,6 @@ struct Meridians {
 // A plane system.
 struct PlaneSide {
     PlaneSeries series{{0.0, 0.0}, 0.0};
-    bool isSoldner = false;
 
     // The reductions of geodesy/plane_reductions.h; the same numbers in the same order.
     bool hasScale = false;
@@ -83,6 +82,10 @@ struct Plan {
     PlaneSide target;
     EllipsoidTerms sourceEllipsoid{{1.0, 1.0}};
     EllipsoidTerms targetEllipsoid{{1.0, 1.0}};
+
+    // So near to where the reference calculation decides between two strips or two cells of the grid, it decides itself:
+    // far beyond the difference between the two calculations, which is that of the reference from the truth.
+    double border = 0.0;  // degrees
 
     bool throughSpace = false;  // else latitude and height pass as they are,
     bool mirrors = false;       // and the longitude, or its mirror image as the way through space leaves it

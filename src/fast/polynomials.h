@@ -7,15 +7,14 @@ namespace lagestatus::fast {
 // first. The error is that of the fit, absolute, with the power that the rest is multiplied by.
 // clang-format off
 
-// sin x = x + x^3 P(x^2) for |x| <= pi / 4, within 5.6e-21.
-inline constexpr double sineRest[7] = {
+// sin x = x + x^3 P(x^2) for |x| <= pi / 4, within 9.9e-18.
+inline constexpr double sineRest[6] = {
     -0x1.5555555555555p-3,
-    0x1.1111111111110p-7,
-    -0x1.a01a01a019938p-13,
-    0x1.71de3a546095bp-19,
-    -0x1.ae645412c560cp-26,
-    0x1.61217f0b800d5p-33,
-    -0x1.ab17d404de5b3p-41};
+    0x1.1111111110bb2p-7,
+    -0x1.a01a019e83aaep-13,
+    0x1.71de37968a100p-19,
+    -0x1.ae600b02b6262p-26,
+    0x1.5e0b19f8b1451p-33};
 
 // cos x = 1 - x^2 / 2 + x^4 P(x^2) for |x| <= pi / 4, within 4.9e-19.
 inline constexpr double cosineRest[6] = {
@@ -26,16 +25,19 @@ inline constexpr double cosineRest[6] = {
     0x1.1eeb68e93b64cp-29,
     -0x1.907da367a37cbp-37};
 
-// arctan t = t + t^3 P(t^2) for |t| <= tan(pi / 16), within 6.6e-20.
-inline constexpr double arcTangentRest[8] = {
+// arctan t = t + t^3 P(t^2) for |t| <= tan(pi / 8), within 2.2e-18.
+inline constexpr double arcTangentRest[11] = {
     -0x1.5555555555555p-2,
-    0x1.99999999995c9p-3,
-    -0x1.24924924138ebp-3,
-    0x1.c71c70fe5f604p-4,
-    -0x1.745cc90daadc8p-4,
-    0x1.3b03174eb020cp-4,
-    -0x1.0f1a70bb76349p-4,
-    0x1.a314f808adea6p-5};
+    0x1.999999999934cp-3,
+    -0x1.2492492436201p-3,
+    0x1.c71c71853d7fap-4,
+    -0x1.745d0b28a7e37p-4,
+    0x1.3b1263064f6b9p-4,
+    -0x1.10fa77b1a6d57p-4,
+    0x1.dfe6497e96323p-5,
+    -0x1.a0999c632b6edp-5,
+    0x1.4162c02b1dda3p-5,
+    -0x1.3a31b1c0fd3b7p-6};
 
 // artanh t = t + t^3 P(t^2) for |t| < 0.477, within 2.8e-18.
 inline constexpr double arTanhRest[13] = {
@@ -67,13 +69,8 @@ inline constexpr double rightAngleHigh = 0x1.921fb54400000p+0;
 inline constexpr double rightAngleMiddle = 0x1.0b4611a400000p-34;
 inline constexpr double rightAngleLow = 0x1.13198a2e03707p-65;
 
-// Sine and cosine of pi / 8 and pi / 4, the tangents of the angles halfway, pi, and a degree.
-inline constexpr double sineOfEighth = 0x1.87de2a6aea963p-2;
-inline constexpr double cosineOfEighth = 0x1.d906bcf328d46p-1;
-inline constexpr double sineOfQuarter = 0x1.6a09e667f3bcdp-1;
-inline constexpr double tangentOfSixteenth = 0x1.975f5e0553158p-3;
-inline constexpr double tangentOfThreeSixteenths = 0x1.561b82ab7f990p-1;
-inline constexpr double eighth = 0x1.921fb54442d18p-2;
+// The tangent of pi / 8, half a right angle, one and two, and a degree.
+inline constexpr double tangentOfEighth = 0x1.a827999fcef32p-2;
 inline constexpr double quarter = 0x1.921fb54442d18p-1;
 inline constexpr double rightAngle = 0x1.921fb54442d18p+0;
 inline constexpr double straightAngle = 0x1.921fb54442d18p+1;

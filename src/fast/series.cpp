@@ -53,7 +53,7 @@ constexpr Table reducedByRectifying = {{1.0 / 2, 0.0, -9.0 / 32, 0.0, 205.0 / 15
                                        {38081.0 / 61440}};
 
 Coefficients coefficients(const Table& table, double n) noexcept {
-    Coefficients made = {};
+    double c[seriesOrder];  // of sin 2x, sin 4x, ...
     double power = 1.0;
     for (int k = 0; k < seriesOrder; ++k) {
         power *= n;
@@ -61,9 +61,12 @@ Coefficients coefficients(const Table& table, double n) noexcept {
         for (int i = seriesOrder - 1 - k; i >= 0; --i) {
             sum = sum * n + table[k][i];
         }
-        made.of[k] = sum * power;
+        c[k] = sum * power;
     }
-    return made;
+    // sin 2kx = sin 2x U(cos 2x) with Chebyshev's polynomials of the second kind of degree k - 1. Each coefficient is n
+    // times the one before at most: nothing is lost.
+    return {{c[0] - c[2] + c[4], 2.0 * c[1] - 4.0 * c[3] + 6.0 * c[5], 4.0 * c[2] - 12.0 * c[4],
+             8.0 * c[3] - 32.0 * c[5], 16.0 * c[4], 32.0 * c[5]}};
 }
 
 using One = Lanes<2, 1>;
@@ -76,7 +79,7 @@ PlaneSeries::PlaneSeries(const Ellipsoid& ellipsoid, double originLatitude) noex
     constexpr double smallest = 1.0;
     constexpr double largest = 1e9;
     const double n = (a - b) / (a + b);
-    if (!(a >= smallest && a <= largest && b >= smallest && b <= largest && std::fabs(n) <= mostFlattening &&
+    if (!(a >= smallest && a <= largest && b >= smallest && b <= largest && n >= 0.0 && n <= mostFlattening &&
           std::fabs(originLatitude) <= 1.56)) {
         return;
     }
@@ -87,6 +90,7 @@ PlaneSeries::PlaneSeries(const Ellipsoid& ellipsoid, double originLatitude) noex
     const double n2 = n * n;
     // Karney 2011, equation 14.
     radius = a / (1.0 + n) * (1.0 + n2 * (1.0 / 4 + n2 * (1.0 / 64 + n2 / 256)));
+    perRadius = 1.0 / radius;
     conformal = coefficients(conformalByGeographic, n);
     fromConformal = coefficients(geographicByConformal, n);
     krueger = coefficients(rectifyingByConformal, n);
@@ -99,21 +103,28 @@ PlaneSeries::PlaneSeries(const Ellipsoid& ellipsoid, double originLatitude) noex
     A3[2] = -(1.0 / 4 + n / 8 - 3 * n2 / 8);
     A3[3] = -(1.0 / 16 + 3 * n / 16 + n2 / 16);
     A3[4] = -(3.0 / 64 + n / 32);
-    c31[0] = 1.0 / 4 - n / 4;
-    c31[1] = 1.0 / 8 - n2 / 8;
-    c31[2] = 3.0 / 64 + 3 * n / 64 - n2 / 64;
-    c31[3] = 5.0 / 128 + n / 64;
-    c32[0] = 1.0 / 16 - 3 * n / 32 + n2 / 32;
-    c32[1] = 3.0 / 64 - n / 32 - 3 * n2 / 64;
-    c32[2] = 3.0 / 128 + n / 128;
-    c33[0] = 5.0 / 192 - 3 * n / 64 + 5 * n2 / 192;
-    c33[1] = 3.0 / 128 - 5 * n / 192;
-    c34[0] = 7.0 / 512 - 7 * n / 256;
+    // Equation 25, the arc from the vertex: every other sign changes.
+    const double c31[] = {-(1.0 / 4 - n / 4), -(1.0 / 8 - n2 / 8), -(3.0 / 64 + 3 * n / 64 - n2 / 64),
+                          -(5.0 / 128 + n / 64)};
+    const double c32[] = {1.0 / 16 - 3 * n / 32 + n2 / 32, 3.0 / 64 - n / 32 - 3 * n2 / 64,
+                          3.0 / 128 + n / 128};
+    const double c33[] = {-(5.0 / 192 - 3 * n / 64 + 5 * n2 / 192), -(3.0 / 128 - 5 * n / 192)};
+    const double c34 = 7.0 / 512 - 7 * n / 256;
+    for (int k = 0; k < 4; ++k) {
+        longitude0[k] = c31[k] - (k < 2 ? 0.0 : c33[k - 2]);
+    }
+    for (int k = 0; k < 3; ++k) {
+        longitude1[k] = 2.0 * c32[k] - (k < 2 ? 0.0 : 4.0 * c34);
+    }
+    for (int k = 0; k < 2; ++k) {
+        longitude2[k] = 4.0 * c33[k];
+    }
+    longitude3 = 8.0 * c34;
 
     if (originLatitude != 0.0) {
         const Direction<One> phi = direction_of_angle(One(originLatitude));
         const Direction<One> beta = direction_of(phi.sine * axisRatio, phi.cosine);
-        const One mu = arc(beta.sine, beta.cosine) + sine_sum(rectifying.of, seriesOrder, doubled(beta));
+        const One mu = arc_of_latitude(beta.sine, beta.cosine) + sine_sum(rectifying.of, doubled(beta));
         arcOfOrigin = mu.part[0][0] * radius;
     }
 }

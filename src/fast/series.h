@@ -7,11 +7,11 @@ namespace lagestatus::fast {
 
 inline constexpr int seriesOrder = 6;  // in the third flattening n
 
-// Ellipsoids flatter or longer than this go the reference road. The first term left out of the worst series, that of the
+// Ellipsoids flatter than this, or longer than a sphere, go the reference road. The first term left out of the worst series, that of the
 // latitude by the conformal latitude, is below 5e-17 here; those of surveys have 0.0017.
 inline constexpr double mostFlattening = 0.0025;
 
-// Coefficients of sin 2x, sin 4x, ... to sin 12x.
+// Those of a sum of sin 2x, sin 4x, ... to sin 12x, as sin 2x times a polynomial in cos 2x: the lowest power first.
 struct Coefficients {
     double of[seriesOrder];
 };
@@ -31,6 +31,7 @@ struct PlaneSeries {
     double axisRatio = 0.0;    // b / a
     double ePrime2 = 0.0;      // second eccentricity squared
     double radius = 0.0;       // of the circle as long as a meridian, metres
+    double perRadius = 0.0;    // 1 / radius
     double arcOfOrigin = 0.0;  // from the equator, metres
 
     Coefficients conformal = {};       // chi - phi by phi
@@ -40,12 +41,13 @@ struct PlaneSeries {
     Coefficients rectifying = {};      // mu - beta by beta
     Coefficients fromRectifying = {};  // beta - mu by mu
 
-    // Of the longitude on a geodesic, in powers of epsilon from 0 on: A3, and c31, c32, c33, c34 from epsilon^l on.
+    // Of the longitude on a geodesic, in powers of epsilon: the factor A3, and what epsilon sin 2s is multiplied by: a
+    // polynomial in epsilon cos 2s.
     double A3[5] = {};
-    double c31[4] = {};
-    double c32[3] = {};
-    double c33[2] = {};
-    double c34[1] = {};
+    double longitude0[4] = {};
+    double longitude1[3] = {};
+    double longitude2[2] = {};
+    double longitude3 = 0.0;
 };
 
 }  // namespace lagestatus::fast

@@ -15,6 +15,33 @@ namespace lagestatus::fast {
 inline constexpr double mostSigma = 0.6;   // 34 degrees beside the meridian
 inline constexpr double leastSine = 1e-9;  // of the latitude: 6 mm
 
+// Coefficients of sin 2s, sin 4s, ... in powers of epsilon: of row l those of epsilon^(l + 1), epsilon^(l + 3), ...
+struct EpsilonRows {
+    double of[5][3];
+};
+
+// Of sin 2s times powers of cos 2s, as Coefficients in fast/series.h. The arc from the vertex: every other sign changes.
+constexpr EpsilonRows by_powers(const EpsilonRows& sines) noexcept {
+    const auto& c = sines.of;
+    return {{{-c[0][0], -c[0][1] + c[2][0], -c[0][2] + c[2][1] - c[4][0]},
+             {2.0 * c[1][0], 2.0 * c[1][1] - 4.0 * c[3][0], 0.0},
+             {-4.0 * c[2][0], -4.0 * c[2][1] + 12.0 * c[4][0], 0.0},
+             {8.0 * c[3][0], 0.0, 0.0},
+             {-16.0 * c[4][0], 0.0, 0.0}}};
+}
+
+// Equations 18 and 21.
+inline constexpr EpsilonRows distanceRows = by_powers({{{-1.0 / 2, 3.0 / 16, -1.0 / 32},
+                                                        {-1.0 / 16, 1.0 / 32},
+                                                        {-1.0 / 48, 3.0 / 256},
+                                                        {-5.0 / 512},
+                                                        {-7.0 / 1280}}});
+inline constexpr EpsilonRows arcRows = by_powers({{{1.0 / 2, -9.0 / 32, 205.0 / 1536},
+                                                   {5.0 / 16, -37.0 / 96},
+                                                   {29.0 / 96, -75.0 / 128},
+                                                   {539.0 / 1536},
+                                                   {3467.0 / 7680}}});
+
 // The series of one geodesic.
 template <typename Real>
 struct GeodesicSums {
@@ -25,23 +52,15 @@ struct GeodesicSums {
         e = k2 / (root * root);
     }
 
-    // Distance over b A1, by sigma; equations 17 and 18.
+    // Distance over b A1, by sigma; equation 17.
     [[nodiscard, gnu::always_inline]] Real distance(const Real& sigma,
                                                     const Direction<Real>& doubledSigma) const noexcept {
-        const Real e2 = e * e;
-        const Real c[] = {e * (1.0 / 2 - e2 * (3.0 / 16 - e2 * (1.0 / 32))),
-                          -e2 * (1.0 / 16 - e2 * (1.0 / 32)), e * e2 * (1.0 / 48 - e2 * (3.0 / 256)),
-                          -e2 * e2 * (5.0 / 512)};
-        return sigma + sum(c, doubledSigma);
+        return sigma + sum(distanceRows, doubledSigma);
     }
-    // Sigma by the distance over b A1; equations 20 and 21.
+    // Sigma by the distance over b A1; equation 20.
     [[nodiscard, gnu::always_inline]] Real sigma(const Real& tau,
                                                  const Direction<Real>& doubledTau) const noexcept {
-        const Real e2 = e * e;
-        const Real c[] = {-e * (1.0 / 2 - e2 * (9.0 / 32 - e2 * (205.0 / 1536))),
-                          e2 * (5.0 / 16 - e2 * (37.0 / 96)), -e * e2 * (29.0 / 96 - e2 * (75.0 / 128)),
-                          e2 * e2 * (539.0 / 1536), -e * e2 * e2 * (3467.0 / 7680)};
-        return tau + sum(c, doubledTau);
+        return tau + sum(arcRows, doubledTau);
     }
     // b A1
     [[nodiscard, gnu::always_inline]] Real scale() const noexcept {
@@ -51,29 +70,26 @@ struct GeodesicSums {
     // What longitude on the sphere is more than that on the ellipsoid; equations 23 to 25.
     [[nodiscard, gnu::always_inline]] Real longitude(const Real& sigma, const Direction<Real>& doubledSigma,
                                                      const Real& cosBeta1) const noexcept {
-        const Real e2 = e * e;
-        const Real c[] = {-e * polynomial(series.c31, e), e2 * polynomial(series.c32, e),
-                          -e * e2 * polynomial(series.c33, e), e2 * e2 * series.c34[0]};
-        return series.f * cosBeta1 * (polynomial(series.A3, e) * (sigma + sum(c, doubledSigma)));
+        const Real y = e * doubledSigma.cosine;
+        const Real sum = polynomial(series.longitude0, e) +
+                         y * (polynomial(series.longitude1, e) +
+                              y * (polynomial(series.longitude2, e) + y * series.longitude3));
+        return series.f * cosBeta1 * (polynomial(series.A3, e) * (sigma + e * doubledSigma.sine * sum));
     }
 
     const PlaneSeries& series;
     Real e;
 
   private:
-    // Of c_l sin 2 l x, by Clenshaw's recurrence.
-    template <int count>
-    [[nodiscard, gnu::always_inline]] static Real sum(const Real (&c)[count],
-                                                      const Direction<Real>& angle) noexcept {
-        const Real twice = angle.cosine + angle.cosine;
-        Real next = 0.0;
-        Real sum = c[count - 1];
-        for (int l = count - 2; l >= 0; --l) {
-            const Real before = twice * sum - next + c[l];
-            next = sum;
-            sum = before;
-        }
-        return sum * angle.sine;
+    [[nodiscard, gnu::always_inline]] Real sum(const EpsilonRows& rows,
+                                               const Direction<Real>& angle) const noexcept {
+        const auto& p = rows.of;
+        const Real e2 = e * e;
+        const Real y = e * angle.cosine;
+        return e * angle.sine *
+               ((p[0][0] + e2 * (p[0][1] + e2 * p[0][2])) +
+                y * ((p[1][0] + e2 * p[1][1]) +
+                     y * ((p[2][0] + e2 * p[2][1]) + y * (p[3][0] + y * p[4][0]))));
     }
 };
 
@@ -93,7 +109,7 @@ template <typename Real>
             sigma.cosine = square_root(reduced.sine * reduced.sine + c * c);
             const Real inverse = Real(1.0) / sigma.cosine;
             beta1 = {reduced.sine * inverse, c * inverse};
-            arcOfSigma = arc(sigma.sine, sigma.cosine);
+            arcOfSigma = arc_of_latitude(sigma.sine, sigma.cosine);
             tangent = sigma.sine * inverse;
         }
         Direction<Real> sigma;
@@ -122,7 +138,7 @@ template <typename Real>
     at = Triangle(beta, turned(dLam, direction_of_small(more)));
     const GeodesicSums<Real> sums(series, at.beta1.sine);
     const Real mu =
-        arc(at.beta1.sine, at.beta1.cosine) + sine_sum(series.rectifying.of, seriesOrder, doubled(at.beta1));
+        arc_of_latitude(at.beta1.sine, at.beta1.cosine) + sine_sum(series.rectifying.of, doubled(at.beta1));
     return {mu * series.radius - series.arcOfOrigin,
             sums.scale() * sums.distance(at.arcOfSigma, doubled(at.sigma))};
 }
@@ -131,15 +147,15 @@ template <typename Real>
 template <typename Real>
 [[nodiscard, gnu::always_inline]] inline Place<Real> soldner_to_geographic(
     const PlaneSeries& series, const Plane<Real>& plane, typename Real::Mask& inside) noexcept {
-    const Real mu = (plane.northing + series.arcOfOrigin) * (1.0 / series.radius);
-    inside = magnitude(mu) < 1.58;
-    const Direction<Real> rectifying = direction_of_angle(mu);
-    const Direction<Real> beta1 = turned(
-        rectifying, direction_of_small(sine_sum(series.fromRectifying.of, seriesOrder, doubled(rectifying))));
+    const Real mu = (plane.northing + series.arcOfOrigin) * series.perRadius;
+    inside = magnitude(mu) < mostXi;
+    const Direction<Real> rectifying = direction_of_latitude(mu);
+    const Direction<Real> beta1 =
+        turned(rectifying, direction_of_small(sine_sum(series.fromRectifying.of, doubled(rectifying))));
     const GeodesicSums<Real> sums(series, beta1.sine);
     const Real tau = plane.easting / sums.scale();
     inside = inside & (magnitude(tau) < mostSigma);
-    const Direction<Real> directionOfTau = direction_of_angle(tau);
+    const Direction<Real> directionOfTau = direction_of_short(tau);
     const Real arcOfSigma = sums.sigma(tau, doubled(directionOfTau));
     const Direction<Real> sigma = turned(directionOfTau, direction_of_small(arcOfSigma - tau));
     const Real c = beta1.cosine * sigma.cosine;
