@@ -337,7 +337,7 @@ struct Kernel {
                 }
                 const Real missing = given - onBessel.h + zeta;
                 // So near to the tolerance the reference calculation might make a pass more, or less.
-                inside = inside & has & (magnitude(magnitude(missing) - tolHeight) > 1e-5);
+                inside = inside & has & (magnitude(magnitude(missing) - tolHeight) > 2e-6);
                 const Mask goesOn = inside & (magnitude(missing) > tolHeight);
                 open = pass == 1 ? goesOn : open & goesOn;
                 if (!open.any()) {
