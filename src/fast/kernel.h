@@ -279,8 +279,7 @@ struct Kernel {
         }
         if (side.complement != 0.0) {
             const double d = side.complement;
-            constexpr double nearest =
-                0.01;  // metres, to where the complement begins: far beyond what may differ
+            constexpr double nearest = 0.01;  // metres, to where it begins: far beyond what may differ
             inside = inside & (magnitude(X) > nearest) & (magnitude(X + d * 0.5) > nearest) &
                      (magnitude(Y) > nearest) & (magnitude(Y + d * 0.5) > nearest);
             Y = select((Y < 0.0) & (-Y < d * 0.5), Y + d, Y);
@@ -337,7 +336,7 @@ struct Kernel {
                 }
                 const Real missing = given - onBessel.h + zeta;
                 // So near to the tolerance the reference calculation might make a pass more, or less.
-                inside = inside & has & (magnitude(magnitude(missing) - tolHeight) > 2e-6);
+                inside = inside & has & (magnitude(magnitude(missing) - tolHeight) > 1e-6);
                 const Mask goesOn = inside & (magnitude(missing) > tolHeight);
                 open = pass == 1 ? goesOn : open & goesOn;
                 if (!open.any()) {
