@@ -253,10 +253,10 @@ LAGESTATUS_BULK_API int LAGESTATUS_CALL lagestatus_directory_height_model(
  *   calculation     LAGESTATUS_REFERENCE: the bits of the seven functions. LAGESTATUS_FAST: the same statuses, and
  *                   results within 10 nm of the truth (Soldner 20 nm; within 20 degrees of the meridian and up to 85
  *                   degrees of latitude), which the others are not: some micrometres from those, at most 0.3 mm where
- *                   Soldner coordinates play a part. The same bits on every machine. Points and systems that it cannot
- *                   serve get the results of the reference calculation. The environment variable
- *                   LAGESTATUS_INSTRUCTIONS (baseline, avx2, avx512), read when the library is loaded, keeps it from
- *                   wider instructions
+ *                   Soldner coordinates play a part. The same bits on every machine; but points and systems that it
+ *                   cannot serve get the results of the reference calculation. The environment variable
+ *                   LAGESTATUS_INSTRUCTIONS (baseline, avx2, avx512; all else is ignored), read when the library is
+ *                   loaded, keeps it from wider instructions
  *   defaultHeight   for points without a height, which are counted: those whose height is NaN (without a default one
  *                   they fail with 90), or all where none is given. Normal if heightGiven is NORMAL, else ellipsoidal
  */
