@@ -109,6 +109,7 @@ class Case:
 
     def do_edit(self, rest, _lines, _command, work, _windows):
         name, pattern, text = shlex.split(rest)
+        assert (work / name).resolve().is_relative_to(work.resolve()), f"{name} is not the test's own"
         before = (work / name).read_bytes()
         after = re.sub(pattern.encode("latin-1"), decoded(text), before, flags=re.MULTILINE)
         (work / name).write_bytes(after)

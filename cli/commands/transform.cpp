@@ -228,6 +228,11 @@ int transform_points(const TransformOptions& options) {
     std::vector<Input> inputs = open_inputs(options.files);
 
     const PointWriter writer(run, *directory, *source, *target);
+    if (options.fast && !writer.is_fast() && !options.quiet) {
+        complain(
+            "warning: --fast does not serve these systems: all results are those of the ordinary "
+            "calculation");
+    }
     OutputFile output = options.output.empty() ? OutputFile() : OutputFile(options.output);
     const bool besideTheRows = options.output.empty() && is_terminal(standardOutput);
     Progress progress(!options.quiet && !besideTheRows && is_terminal(standardError), total_size(inputs));

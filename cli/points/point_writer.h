@@ -92,6 +92,9 @@ class PointWriter {
     // The names of the columns alone, as a comment.
     [[nodiscard]] std::string label(const LineForm& form, bool hasHeight) const;
 
+    // Whether the fast calculation carries any points.
+    [[nodiscard]] bool is_fast() const noexcept { return withHeight.is_fast(); }
+
   private:
     using Names = std::array<std::string, 4>;  // of the coordinates, and of the normal height
 

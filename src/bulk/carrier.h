@@ -26,6 +26,9 @@ class Carrier {
     //        isFast    whether the fast calculation is to carry what it serves
     Carrier(const Road& road, HeightFlags flags, const HeldHeightModel* model, bool isFast);
 
+    // Whether the fast calculation carries any of them.
+    [[nodiscard]] bool is_fast() const noexcept { return fastRoad.serves(); }
+
     // Carries points; as Road::carry does each of them. As many results as points.
     void carry(std::span<const Point> points, std::span<CarriedPoint> results) const noexcept;
 
