@@ -66,32 +66,35 @@ TEST(Bulk, CorrectsNormalHeightsTowardsGeocentricSystems) {
 // Backwards, beyond other values, at odd addresses; one height for all, or none; easting first.
 TEST(Bulk, TakesColumnsAsTheyLie) {
     const auto sample = open_directory(SAMPLE_DIR);
-    lagestatus_options options = heights(0, LAGESTATUS_HEIGHT_BOTH);
-    const Points points = {{5.81e6, 3.56e6, 123}, {5.82e6, 3.57e6, 123}, {5.83e6, 3.58e6, 123}};
-    const auto right = carried(open_way(sample.handle, 103, 201, options).handle, points);
-    options.sourceAxes = options.targetAxes = LAGESTATUS_AXES_EASTING_FIRST;
-    options.hasDefaultHeight = 1;
-    options.defaultHeight = 123;
-    const auto way = open_way(sample.handle, 103, 201, options);
-    constexpr std::ptrdiff_t one = sizeof(double);
-    for (const double height : {123.0, notANumber}) {
-        const std::array eastings = {3.58e6, 3.57e6, 3.56e6};
-        const std::array northings = {5.81e6, untouched, 5.82e6, untouched, 5.83e6};
-        const std::array<const double*, 3> input = {&eastings[2], northings.data(), &height};
-        std::vector<Buffer<double>> memory(4, Buffer<double>(5, untouched));
-        std::array<double*, 4> output = {};
-        std::ranges::transform(memory, output.begin(), [](auto& column) { return column.get() + 1; });
-        std::size_t defaulted = 99;
-        EXPECT_EQ(
-            lagestatus_transform(way.handle.get(), 3, input.data(), std::array{-one, 2 * one, 0 * one}.data(),
-                                 output.data(), nullptr, nullptr, &defaulted),
-            0);
-        EXPECT_EQ(defaulted, std::isnan(height) ? 3U : 0U);
-        for (std::size_t column = 0; column < 4; ++column) {
-            const std::size_t axis = column < 2 ? 1 - column : column;
-            EXPECT_TRUE(same_bits(
-                memory[column].values(),
-                std::array{untouched, right[0].at[axis], right[1].at[axis], right[2].at[axis], untouched}));
+    for (const int calculation : {LAGESTATUS_REFERENCE, LAGESTATUS_FAST}) {
+        lagestatus_options options = heights(0, LAGESTATUS_HEIGHT_BOTH);
+        options.calculation = calculation;
+        const Points points = {{5.81e6, 3.56e6, 123}, {5.82e6, 3.57e6, 123}, {5.83e6, 3.58e6, 123}};
+        const auto right = carried(open_way(sample.handle, 103, 201, options).handle, points);
+        options.sourceAxes = options.targetAxes = LAGESTATUS_AXES_EASTING_FIRST;
+        options.hasDefaultHeight = 1;
+        options.defaultHeight = 123;
+        const auto way = open_way(sample.handle, 103, 201, options);
+        constexpr std::ptrdiff_t one = sizeof(double);
+        for (const double height : {123.0, notANumber}) {
+            const std::array eastings = {3.58e6, 3.57e6, 3.56e6};
+            const std::array northings = {5.81e6, untouched, 5.82e6, untouched, 5.83e6};
+            const std::array<const double*, 3> input = {&eastings[2], northings.data(), &height};
+            std::vector<Buffer<double>> memory(4, Buffer<double>(5, untouched));
+            std::array<double*, 4> output = {};
+            std::ranges::transform(memory, output.begin(), [](auto& column) { return column.get() + 1; });
+            std::size_t defaulted = 99;
+            EXPECT_EQ(lagestatus_transform(way.handle.get(), 3, input.data(),
+                                           std::array{-one, 2 * one, 0 * one}.data(), output.data(), nullptr,
+                                           nullptr, &defaulted),
+                      0);
+            EXPECT_EQ(defaulted, std::isnan(height) ? 3U : 0U);
+            for (std::size_t column = 0; column < 4; ++column) {
+                const std::size_t axis = column < 2 ? 1 - column : column;
+                EXPECT_TRUE(same_bits(memory[column].values(),
+                                      std::array{untouched, right[0].at[axis], right[1].at[axis],
+                                                 right[2].at[axis], untouched}));
+            }
         }
     }
 }

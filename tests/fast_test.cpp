@@ -243,6 +243,58 @@ TEST(Fast, TakesWhatFilesMayHold) {
     }
 }
 
+// Height models that the series do not serve, or that end early.
+TEST(Fast, TakesWhatHeightModelsMayHold) {
+    struct Edit {
+        std::size_t line;  // of those that are no comment, from 1
+        const char* text;
+    };
+    constexpr std::array edits = {Edit{2, "6200000"},
+                                  Edit{6, "1000000000"},
+                                  Edit{27, "0"},
+                                  Edit{30, "1000000000"},
+                                  Edit{31, "-400 15.10625 0.025"},
+                                  Edit{31, "3.25625 400 0.025"},
+                                  Edit{31, "3.25625 15.10625 0.0000001"},
+                                  Edit{31, "3.25625 3.26 0.025"},
+                                  Edit{15000, nullptr},
+                                  Edit{40, nullptr}};
+    const DataDirectory directory;
+    std::filesystem::copy(SAMPLE_DIR, directory.path());
+    std::vector<std::string> lines;
+    std::istringstream model(directory.read("hoehe.ini"));
+    for (std::string line; std::getline(model, line);) {
+        if (!line.starts_with('#')) {
+            lines.push_back(line);
+        }
+    }
+    for (const auto& [line, text] : edits) {
+        SCOPED_TRACE(::testing::Message() << line << ' ' << (text != nullptr ? text : "is the last"));
+        std::vector<std::string> changed = lines;
+        if (text != nullptr) {
+            changed.at(line - 1) = text;
+        } else {
+            changed.resize(std::min(line, changed.size() / 2));
+        }
+        directory.write("hoehe.ini", join(changed));
+        const auto held = open_directory(directory.path());
+        const Points points = places_in_germany(3, 200);
+        for (const int given : {LAGESTATUS_HEIGHT_ELLIPSOIDAL, LAGESTATUS_HEIGHT_NORMAL}) {
+            const auto reference = open_way(held.handle, 201, 103, heights(given, LAGESTATUS_HEIGHT_BOTH));
+            const auto way = open_way(held.handle, 201, 103, fast(given, LAGESTATUS_HEIGHT_BOTH));
+            ASSERT_EQ(way.status, reference.status);
+            if (way.status != 0) {
+                continue;
+            }
+            const auto right = carried(reference.handle, points), got = carried(way.handle, points);
+            for (std::size_t number = 0; number < points.size(); ++number) {
+                expect_beside(got[number], right[number], {tolPlace, tolPlace, tolPlace, tolPlace},
+                              metres_per_unit(103, 0.0));
+            }
+        }
+    }
+}
+
 // LAGESTATUS_POINTS asks for as many points a road as the second digest of a row is made of, a million.
 TEST(Fast, HasTheSameBitsEverywhere) {
     constexpr std::size_t some = 10000, all = 1000000, block = 1000;

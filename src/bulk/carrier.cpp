@@ -22,7 +22,7 @@ CarriedPoint carried_point(const fast::Block& block, int number, const Road& roa
         return {status::ok, {x, y, z, block.normal[number]}, true, true, true};
     }
     CarriedPoint point = road.carry(at(block.given), flags);
-    if (block.outside[number] == 0.0 && point.hasPlace && point.hasHeight) {
+    if (block.outside[number] == 0.0 && point.hasPlace) {
         point.at = {x, y, z, point.at[3]};  // the same place as without a normal height
     }
     return point;

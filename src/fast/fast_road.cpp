@@ -40,7 +40,7 @@ bool are_ordinary(std::span<const double> numbers) noexcept {
 
 // An ellipsoid that Bowring's two steps settle on.
 bool serves(const Ellipsoid& ellipsoid) noexcept {
-    return PlaneSeries(ellipsoid, 0.0).serves && ellipsoid.a > 6.3e6 && ellipsoid.a < 6.5e6;
+    return ellipsoid.a > 6.3e6 && ellipsoid.a < 6.5e6 && PlaneSeries(ellipsoid, 0.0).serves;
 }
 
 struct Rotation {
@@ -131,21 +131,20 @@ bool fill_meridians(const ZoneLayout& zones, bool hasStrips, PlaneSide& side) no
     };
     side.oneMeridian = !hasStrips || !zones.hasStrips;
     if (side.oneMeridian) {
-        if (std::fabs(zones.lam0) > Meridians::farthest * degree) {
+        if (!(std::fabs(zones.lam0) <= Meridians::farthest * degree)) {
             return false;
         }
         add(zones.lam0);
         return true;
     }
-    if (zones.width < 1 || zones.width > 360 || zones.offset < -720 || zones.offset > 720) {
+    // A layout has widths up to 10, and offsets from -239 unless it has no width either.
+    if (zones.width < 1 || zones.offset > 720) {
         return false;
     }
     side.width = static_cast<double>(zones.width);
     side.offset = static_cast<double>(zones.offset);
-    if (zones.width < 180) {
-        constexpr double margin = 1e-7;  // degrees: more than what any border takes
-        side.sineOfHalf = turn_by((side.width * 0.5 - margin) * degree).sine;
-    }
+    constexpr double margin = 1e-7;  // degrees: more than what any border takes
+    side.sineOfHalf = turn_by((side.width * 0.5 - margin) * degree).sine;
     for (int zone = -1100; zone <= 1100 && meridians.count < Meridians::most; ++zone) {
         const auto meridian = static_cast<double>(zones.width * zone + zones.offset);
         if (std::fabs(meridian) <= Meridians::farthest) {
@@ -275,7 +274,7 @@ bool fill(const Side& source, const Side& target, HeightFlags flags, const HeldH
                           (!source.bessel || fromSpace);
     const bool needsHeights = plan.iterates || plan.wantedInBessel || plan.givenAtSource ||
                               plan.wantedAtSource || plan.wantedAtTarget;
-    if ((needsHeights && !fill_heights(heights, plan.heights)) || (fromSpace && plan.iterates)) {
+    if (needsHeights && !fill_heights(heights, plan.heights)) {
         return false;
     }
 

@@ -44,7 +44,7 @@ struct PlaneSide {
     bool oneMeridian = false;
     double meridianScale = 1.0;
     double width = 0.0, offset = 0.0;  // degrees
-    double sineOfHalf = -1.0;          // of half the width, a little less; -1 from 90 degrees
+    double sineOfHalf = 0.0;           // of half the width, a little less
     double zoneNumber = 0.0;           // of a target with one meridian
     Meridians meridians;
 };

@@ -18,7 +18,7 @@ struct Coefficients {
 
 // Symbols: n third flattening, f flattening, phi, beta, chi, mu geographic, reduced, conformal, rectifying latitude.
 struct PlaneSeries {
-    // Given:    ellipsoid        any semi-axes, metres
+    // Given:    ellipsoid        semi-axes, metres; the larger one about that of the earth
     //           originLatitude   where northings count from, radians
     PlaneSeries(const Ellipsoid& ellipsoid, double originLatitude) noexcept;
 
