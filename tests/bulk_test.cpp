@@ -97,6 +97,18 @@ TEST(Bulk, TakesColumnsAsTheyLie) {
             }
         }
     }
+    // Without heights and statuses, a point that fails among them.
+    auto noHeights = heights(LAGESTATUS_HEIGHT_NONE, LAGESTATUS_HEIGHT_NONE);
+    noHeights.calculation = LAGESTATUS_FAST;
+    const std::array northings = {5.81e6, notANumber}, eastings = {3.56e6, 3.57e6};
+    std::array<double, 2> phi = {}, lam = {};
+    const std::array<const double*, 3> input = {northings.data(), eastings.data(), nullptr};
+    const std::array<double*, 4> output = {phi.data(), lam.data(), nullptr, nullptr};
+    EXPECT_EQ(lagestatus_transform(open_way(sample.handle, 103, 201, noHeights).handle.get(), 2, input.data(),
+                                   nullptr, output.data(), nullptr, nullptr, nullptr),
+              1);
+    EXPECT_GT(phi[0], 52.0);
+    EXPECT_TRUE(std::isnan(phi[1]) && std::isnan(lam[1]));
 }
 
 TEST(Bulk, RefusesWhatThereIsNot) {

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "bulk_support.h"
+#include "fast/fast_road.h"
 
 using namespace testing_support;
 
@@ -139,6 +140,7 @@ TEST(Fast, StaysBesideTheReferenceEverywhere) {
         for (const Carried& one : carried(toSource.handle, edges())) {
             points.push_back({one.at[0], one.at[1], one.at[2]});
         }
+        points.push_back({5.7e6, -1.2e6, 100.0});  // a strip below 0
         const std::array besselCodes = {101, 103, 104, 105};
         for (const auto& [to, given, wanted] : every_way()) {
             SCOPED_TRACE(::testing::Message() << from << " to " << to << ", " << given << ", " << wanted);
@@ -251,11 +253,13 @@ TEST(Fast, TakesWhatHeightModelsMayHold) {
     };
     constexpr std::array edits = {Edit{2, "6200000"},
                                   Edit{6, "1000000000"},
+                                  Edit{26, "0"},
                                   Edit{27, "0"},
                                   Edit{30, "1000000000"},
                                   Edit{31, "-400 15.10625 0.025"},
                                   Edit{31, "3.25625 400 0.025"},
-                                  Edit{31, "3.25625 15.10625 0.0000001"},
+                                  Edit{31, "370 371 0.025"},
+                                  Edit{31, "3.25625 3.256287 0.0000001"},
                                   Edit{31, "3.25625 3.26 0.025"},
                                   Edit{15000, nullptr},
                                   Edit{40, nullptr}};
@@ -293,6 +297,17 @@ TEST(Fast, TakesWhatHeightModelsMayHold) {
             }
         }
     }
+    // A scale with which no height settles.
+    directory.write("hoehe.ini", join(lines));
+    std::string system = directory.read("etrs89-geographisch.tra");
+    const std::size_t scale = system.find("\n1.0 ") + 1;
+    directory.write("etrs89-geographisch.tra", system.replace(scale, 3, "1.9"));
+    const auto held = open_directory(directory.path());
+    constexpr int normal = LAGESTATUS_HEIGHT_NORMAL;
+    const Points points = places_in_germany(3, 40);
+    const auto right = carried(open_way(held.handle, 201, 103, heights(normal, normal)).handle, points);
+    EXPECT_EQ(carried(open_way(held.handle, 201, 103, fast(normal, normal)).handle, points), right);
+    EXPECT_GT(std::ranges::count(right, 92, &Carried::status), 0);
 }
 
 // LAGESTATUS_POINTS asks for as many points a road as the second digest of a row is made of, a million.
@@ -300,6 +315,11 @@ TEST(Fast, HasTheSameBitsEverywhere) {
     constexpr std::size_t some = 10000, all = 1000000, block = 1000;
     const char* const asked = std::getenv("LAGESTATUS_POINTS");
     const std::size_t count = asked != nullptr ? all : some;
+    const char* const most = std::getenv("LAGESTATUS_INSTRUCTIONS");
+    RecordProperty("instructions", lagestatus::fast::instructions());
+    if (most != nullptr && std::string_view(most) != lagestatus::fast::instructions()) {
+        GTEST_SKIP() << "this machine has no " << most;
+    }
     const auto sample = open_directory(SAMPLE_DIR);
     for (const Row& row : rows("fast_digests.tsv")) {
         SCOPED_TRACE(::testing::PrintToString(row));
