@@ -21,7 +21,7 @@ struct EpsilonRows {
 };
 
 // Of sin 2s times powers of cos 2s, as Coefficients in fast/series.h. The arc from the vertex: every other sign changes.
-constexpr EpsilonRows by_powers(const EpsilonRows& sines) noexcept {
+consteval EpsilonRows by_powers(const EpsilonRows& sines) noexcept {
     const auto& c = sines.of;
     return {{{-c[0][0], -c[0][1] + c[2][0], -c[0][2] + c[2][1] - c[4][0]},
              {2.0 * c[1][0], 2.0 * c[1][1] - 4.0 * c[3][0], 0.0},
